@@ -1,0 +1,128 @@
+#include "config_file.h"
+
+#include <algorithm>
+
+#include "character_set.h"
+#include "logging/log_record.h"
+
+namespace Tarnwick::Parser {
+namespace {
+
+constexpr CharacterSet kNames(kNameCharacters);
+
+bool isNameCharacter(char character) {
+    return kNames.has(character);
+}
+
+bool isKeyLine(std::string_view line) {
+    return isNameCharacter(line.front()) && line.front() != ' ';
+}
+
+}  // namespace
+
+ConfigFileIterator::ConfigFileIterator(ConfigFile& file) : reader_(file.path), file_(&file) {
+    readToNextEntry();
+}
+
+ConfigFileIterator::ConfigFileIterator(ConfigFile& file, AtEnd)
+    : reader_(file.path), file_(&file), position_(reader_.skipToEnd()) {}
+
+ConfigFileIterator ConfigFileIterator::end(ConfigFile& file) {
+    return {file, AtEnd{}};
+}
+
+ConfigFileIterator& ConfigFileIterator::operator++() {
+    readToNextEntry();
+    return *this;
+}
+
+void ConfigFileIterator::readToNextEntry() {
+    hasEntry_ = false;
+    while (!isExhausted_ && !hasEntry_) {
+        const std::int64_t lineStart = reader_.offset();
+        std::string_view line;
+        const LineReader::Outcome outcome = nextLine(line);
+        if (outcome == LineReader::Outcome::Failure) {
+            file_->failed = true;
+            isExhausted_ = true;
+            return;
+        }
+        position_ = lineStart;
+        if (outcome == LineReader::Outcome::EndOfFile) {
+            return;
+        }
+        isExhausted_ = outcome == LineReader::Outcome::UnterminatedLine;
+        ++lineNumber_;
+        readLine(line);
+    }
+}
+
+LineReader::Outcome ConfigFileIterator::nextLine(std::string_view& line) {
+    if (reader_.takeHeld(line)) {
+        return LineReader::Outcome::Line;
+    }
+    keepEntry();
+    return reader_.readOn(line);
+}
+
+// The accessors go on showing the last entry when no other follows.
+void ConfigFileIterator::keepEntry() {
+    if (isKept_) {
+        return;
+    }
+    kept_.assign(key_).append(value_);
+    key_ = std::string_view(kept_).substr(0, key_.size());
+    value_ = std::string_view(kept_).substr(key_.size());
+    isKept_ = true;
+}
+
+void ConfigFileIterator::readLine(std::string_view line) {
+    if (line.empty() || line.front() == '#' || line.front() == ';') {
+        return;
+    }
+    if (line.front() == '[') {
+        readGroup(line);
+    } else if (isKeyLine(line)) {
+        readKey(line);
+    } else {
+        reject("Unexpected line in ", line);
+    }
+}
+
+void ConfigFileIterator::readGroup(std::string_view line) {
+    if (line.back() != ']') {
+        reject("Could not parse line as group in ", line);
+        return;
+    }
+    const std::string_view name = line.substr(1, line.size() - 2);
+    if (!isMadeOf(name, kNames)) {
+        reject("Group name contains invalid characters in ", line);
+        return;
+    }
+    group_ = name;
+}
+
+void ConfigFileIterator::readKey(std::string_view line) {
+    const auto nameEnd = std::find_if_not(line.begin(), line.end(), isNameCharacter);
+    if (nameEnd == line.end() || *nameEnd != '=') {
+        const bool hasName = line.find('=') != line.npos;
+        reject(hasName ? "Key contains invalid characters in " : "Could not parse line as key in ",
+               line);
+        return;
+    }
+    const auto length = static_cast<std::size_t>(nameEnd - line.begin());
+    key_ = line.substr(0, length);
+    value_ = line.substr(length + 1);
+    isKept_ = false;
+    hasEntry_ = true;
+}
+
+void ConfigFileIterator::reject(const char* problem, std::string_view line) {
+    // The line number is one raw character, see the header.
+    Logging::logError(Logging::parserLogger)
+        << problem << file_->path << " (" << static_cast<unsigned char>(lineNumber_) << "): '"
+        << std::string(line) << "'";
+    file_->failed = true;
+}
+
+}  // namespace Tarnwick::Parser
