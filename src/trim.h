@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Tarnwick::Parser {
+
+/// Returns a copy of `text` without the white space (`isspace(3)`) at both ends. The empty text
+/// stays empty.
+///
+/// Throws `std::length_error` for a text that is not empty and holds white space alone. This is
+/// deliberate, and callers depend on it: such a value is not taken for an empty one.
+[[nodiscard]] std::string trim(std::string_view text);
+
+/// The same as a part of `text` itself.
+[[nodiscard]] std::string_view trimmed(std::string_view text);
+
+}  // namespace Tarnwick::Parser
