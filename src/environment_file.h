@@ -1,0 +1,30 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace Tarnwick::Parser {
+
+/// Returns the value of the variable `name` in a file of NAME=value lines, or nothing when no
+/// line assigns it. The last assignment wins; the value may be empty.
+///
+/// Everything before the first '=' of a line is the name and everything after it the value, both
+/// trimmed; a value of more than one character then loses one pair of surrounding double quotes.
+/// There are no comments, no escapes, no "export" and no continuation; lines without '=' are
+/// ignored.
+///
+///     NAME = "hello world"      gives "hello world"
+///     NAME=a=b                  gives "a=b"
+///     NAME='x'                  gives "'x'", quotes included
+///
+/// With `report`, a file that cannot be opened or read is logged as "Reading environment file
+/// 'PATH' failed", and a variable missing from a file that was read without fault as "No 'NAME'
+/// variable specified in environment file 'PATH'", both at the error level. Without it nothing
+/// is logged.
+///
+/// Throws `std::length_error` for an assignment whose name is white space alone, and for one of
+/// `name` whose value is (see `trim`).
+[[nodiscard]] std::optional<std::string> readEnvFile(const std::string& path,
+                                                     const std::string& name, bool report);
+
+}  // namespace Tarnwick::Parser
