@@ -1,0 +1,52 @@
+# The front door: what a newcomer types. Each goal installs what it is missing, from
+# debian/control, and does nothing about it when everything is there.
+
+.PHONY: help run test test-platform check bench fuzz coverage docs package test-arm64 test-armhf clean
+.PHONY: deps-build deps-test deps-check build-release build-dev
+
+help:
+	@sed -n 's|^\([a-z0-9 -]*\):[^#]*## |  make \1\t|p' Makefile | expand -t 32
+
+run: deps-build build-release  ## build, and answer requests over the example configuration
+	examples/show build/release/tools/tarnwick-parse-config
+
+test: deps-test build-dev  ## build, and run all tests
+	ctest --test-dir build/dev --output-on-failure -j2
+
+test-platform: deps-test build-dev  ## the tests beside real systemd, logind and journald alone
+	ctest --test-dir build/dev -V -R '^platform-services$$'
+
+check: deps-check  ## the longer checks: sanitizers, fuzzing, lint, ARM, install
+	scripts/check
+
+bench: deps-check  ## measure start-up and loading beside other programs
+	bench/run
+
+fuzz: deps-check  ## fuzz all targets side by side for MINUTES minutes
+	scripts/fuzz $(or $(MINUTES),1)
+
+coverage: deps-check  ## print the table of line and branch coverage
+	scripts/coverage
+
+docs: deps-check  ## the library's reference in build/docs
+	scripts/build-docs
+
+package: deps-check  ## the Debian packages in build/packages
+	scripts/build-packages
+
+test-arm64 test-armhf: test-%:  ## build for ARM, and run the tests under emulation
+	scripts/test-arm $*
+
+clean:  ## remove everything that was built
+	rm -rf build
+
+deps-build deps-test deps-check: deps-%:
+	@scripts/install-build-deps $*
+
+build-release: deps-build
+	cmake --preset release
+	cmake --build build/release
+
+build-dev:
+	cmake --preset dev
+	cmake --build build/dev

@@ -1,0 +1,88 @@
+"""Puts one case on disk, asks the tool and the naive implementation, and says how they differ."""
+
+import os
+import shutil
+
+import naive_tool
+from support.tool import run_tool
+
+LEVELS = {None: 2, b"debug": 4, b"Critical": 0, b"ERROR": 1, b"3": 3, b"0x4": 4}
+
+
+def write_case(case, root):
+    """Fills the fresh directory `root` with the files and links of the case."""
+    for directory in (b"d1", b"d2", b"d3", b"env"):
+        os.makedirs(os.path.join(root, directory))
+    for name, content in case.files.items():
+        path = os.path.join(root, name)
+        if content is None:
+            os.mkdir(path)
+            continue
+        with open(path, "wb") as file:
+            file.write(content)
+    for name, target in case.links.items():
+        os.symlink(target, os.path.join(root, name))
+
+
+def arguments_of(case):
+    arguments = [b"--user-id", b"%d" % case.user_id, b"--configs", b":".join(case.directories)]
+    arguments += [b"--instance", case.instance, b"--group", case.group, b"--key", case.key]
+    if case.level is not None:
+        arguments += [b"--log-level", case.level]
+    return arguments + [b"--list"] * case.list_all
+
+
+def expected_answer(case, root):
+    """What the naive implementation says; the case has been written to `root`."""
+    return naive_tool.answer(
+        naive_tool.Request(
+            root=root,
+            directories=case.directories,
+            group=case.group,
+            key=case.key,
+            user_id=case.user_id,
+            instance=case.instance,
+            level=LEVELS[case.level],
+            list_all=case.list_all,
+            environment=case.environment,
+        )
+    )
+
+
+def tool_answer(case, root):
+    environment = {os.fsdecode(name): os.fsdecode(text) for name, text in case.environment.items()}
+    return run_tool(*map(os.fsdecode, arguments_of(case)), env=environment, cwd=root)
+
+
+def difference(case, root):
+    """None when both agree, otherwise what they said. Leaves nothing at `root`."""
+    shutil.rmtree(root, ignore_errors=True)
+    write_case(case, root)
+    expected = expected_answer(case, root)
+    seen = tool_answer(case, root)
+    shutil.rmtree(root)
+    if agrees(expected, seen):
+        return None
+    return f"naive: {expected}\ntool:  {(seen.returncode, seen.stdout, seen.stderr)}"
+
+
+def agrees(expected, seen):
+    if (seen.returncode, seen.stdout) != (expected.status, expected.stdout):
+        return False
+    if expected.named is None:
+        return seen.stderr == expected.stderr
+    return is_critical_record(seen.stderr.removeprefix(expected.stderr), expected.named)
+
+
+def is_critical_record(text, named):
+    """True for exactly one critical record that names everything in `named`."""
+    one_line = text.startswith(b"CRITICAL: ") and text.find(b"\n") == len(text) - 1
+    return one_line and all(name in text for name in named)
+
+
+def describe(case):
+    """The case as somebody would want to see it who has to find the fault."""
+    lines = [f"seed {case.seed!r} ({case.mood}), arguments {arguments_of(case)}", f"environment {case.environment}"]
+    lines += [f"file {name!r}: {content!r}" for name, content in case.files.items()]
+    lines += [f"link {name!r} -> {target!r}" for name, target in case.links.items()]
+    return "\n".join(lines)

@@ -1,0 +1,99 @@
+#include "process_setup.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+
+#include "support/child_process.h"
+
+namespace Tarnwick::Parser::Tool {
+namespace {
+
+// What is changed here is the process's own, so every test takes a child process.
+
+std::string errorOf(ssize_t result) {
+    return result < 0 ? std::strerror(errno) : "none";
+}
+
+TEST(ProcessSetup, FillsClosedStandardDescriptors) {
+    const std::string text = Testing::textFromChild([] {
+        for (const int descriptor : {0, 1, 2}) {
+            close(descriptor);
+        }
+        prepareProcess();
+        const int next = open("/dev/null", O_RDONLY);
+        const bool isFilled =
+            fcntl(0, F_GETFD) == 0 && fcntl(1, F_GETFD) == 0 && fcntl(2, F_GETFD) == 0;
+        return std::string(isFilled && next > 2 ? "filled" : "open");
+    });
+    EXPECT_EQ(text, "filled");
+}
+
+TEST(ProcessSetup, LetsWritingToAClosedStreamFailAllTheSame) {
+    const std::string text = Testing::textFromChild([] {
+        close(1);
+        prepareProcess();
+        return errorOf(write(1, "x", 1));
+    });
+    EXPECT_EQ(text, std::strerror(EBADF));
+}
+
+TEST(ProcessSetup, LeavesOpenDescriptorsAsTheyAre) {
+    const std::string text = Testing::textFromChild([] {
+        int ends[2];
+        if (pipe(ends) != 0 || dup2(ends[1], 1) != 1) {
+            return std::string("no pipe");
+        }
+        prepareProcess();
+        char byte = 0;
+        const bool isSame = write(1, "x", 1) == 1 && read(ends[0], &byte, 1) == 1;
+        return std::string(isSame && byte == 'x' ? "as it was" : "replaced");
+    });
+    EXPECT_EQ(text, "as it was");
+}
+
+std::string writeToPipeWithoutReader() {
+    int ends[2];
+    if (pipe(ends) != 0) {
+        return "no pipe";
+    }
+    close(ends[0]);
+    return errorOf(write(ends[1], "x", 1));
+}
+
+TEST(ProcessSetup, SurvivesAPipeWithoutAReader) {
+    const std::string text = Testing::textFromChild([] {
+        std::signal(SIGPIPE, SIG_DFL);
+        prepareProcess();
+        return writeToPipeWithoutReader();
+    });
+    EXPECT_EQ(text, std::strerror(EPIPE));
+}
+
+TEST(ProcessSetup, LetsCommandsEndByAPipeWithoutAReader) {
+    const std::string text = Testing::textFromChild([] {
+        std::signal(SIGPIPE, SIG_DFL);
+        prepareProcess();
+        const int status = std::system("kill -PIPE $$");
+        return std::string(WIFSIGNALED(status) ? "ended by the signal" : "went on");
+    });
+    EXPECT_EQ(text, "ended by the signal");
+}
+
+TEST(ProcessSetup, LeavesAnIgnoredSignalIgnored) {
+    const std::string text = Testing::textFromChild([] {
+        std::signal(SIGPIPE, SIG_IGN);
+        prepareProcess();
+        return std::string(std::signal(SIGPIPE, SIG_DFL) == SIG_IGN ? "ignored" : "handled");
+    });
+    EXPECT_EQ(text, "ignored");
+}
+
+}  // namespace
+}  // namespace Tarnwick::Parser::Tool

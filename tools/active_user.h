@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Tarnwick::Parser::Tool {
+
+/// Settles whose configuration is read. `userId` and `instance` carry in what the command line
+/// says, -1 standing for no user id. Outputs that are null are left out.
+///
+/// When the directories hold the keys UserId, User, Home and BaseUid of the group
+/// "GeneratedConfig", these win over the command line, and the instance becomes the value of
+/// Instance or empty. Without any user id the user of seat0 is taken, who is waited for up to 30
+/// seconds. User name and home always come from the password database in the end.
+///
+/// Returns 0, or -1 when a file failed to load, no user was found or the user has no password
+/// entry; the cause has been logged by then. Throws `std::length_error` as
+/// `ConfigParser::loadConfigs` does, and `std::out_of_range` as `ConfigParser::getValue` does,
+/// with group and key in its text.
+[[nodiscard]] int resolveUser(const std::vector<std::string>& directories, std::int32_t* userId,
+                              std::string* userName, std::string* instance, std::string* home,
+                              std::int32_t* baseUid);
+
+/// Returns the uid of the seat0 user, waiting for one to log in. A time-out of 0 means one look
+/// without waiting, a negative one a wait without limit. Returns -1 when there is none in time,
+/// the login service cannot be watched, or a signal ends the wait; errno then tells the cause as
+/// far as there is one: that of the last look, or of the wait itself.
+[[nodiscard]] std::int32_t waitForSeat0User(int timeoutSeconds);
+
+/// Returns the uid of seat0's active session, or else of its only session; -1 when there is no
+/// such session, several but none active, or no login service. Sets errno.
+[[nodiscard]] std::int32_t getSeat0User();
+
+}  // namespace Tarnwick::Parser::Tool

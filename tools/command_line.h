@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Tarnwick::Parser::Tool {
+
+/// What the command line asks for, with the defaults of what it leaves open.
+struct Options {
+    std::vector<std::string> directories;
+    std::string group;
+    std::string key;
+    std::string instance;
+    std::string logLevel;      // empty: as it is
+    std::int32_t userId = -1;  // -1: to be found out
+    bool list = false;
+};
+
+/// Reads the arguments. On a fault prints its message on the error stream and, where the fault
+/// calls for it, the usage text on standard output, and returns nothing. A fault is reported
+/// where it stands, before anything after it is looked at.
+///
+/// Reading stops without a word at the first argument that is not "--" and something more.
+[[nodiscard]] std::optional<Options> parseCommandLine(int count, const char* const* arguments);
+
+/// Prints the usage text on standard output; `programName` as the program was called.
+void printUsage(const std::string& programName);
+
+/// Returns the program's name as it was called, or an empty text when it was given none.
+[[nodiscard]] std::string programName(int count, const char* const* arguments);
+
+/// Returns the texts with `separator` between neighbours.
+[[nodiscard]] std::string join(const std::vector<std::string>& texts, char separator);
+
+}  // namespace Tarnwick::Parser::Tool

@@ -1,0 +1,13 @@
+#pragma once
+
+namespace Tarnwick::Parser::Tool {
+
+/// Makes the process robust against what its caller left it, before anything else happens:
+///
+/// - Standard descriptors that are closed are filled, so that no file opened later takes their
+///   number and receives the value or a log record. Writing to a filled one still fails.
+/// - A pipe whose reader is gone makes writing fail instead of ending the process. Commands that
+///   the process runs keep the usual behaviour.
+void prepareProcess();
+
+}  // namespace Tarnwick::Parser::Tool
