@@ -1,0 +1,68 @@
+"""Fixtures for the tests of what surrounds the tool; see docs/testing.md for the layers."""
+
+import os
+import pathlib
+import subprocess
+
+import pytest
+
+import container
+from device import Device, reason_against_namespaces
+from support.tool import EMULATOR
+
+
+def pytest_configure(config):
+    config.addinivalue_line("markers", "slow: waits at true speed; for the longer checks")
+
+
+reasons_to_skip = set()
+
+
+def skip(reason):
+    reasons_to_skip.add(reason)
+    pytest.skip(reason)
+
+
+def pytest_terminal_summary(terminalreporter):
+    """What cannot run here says why, in one line for all the tests that it concerns."""
+    for reason in sorted(reasons_to_skip):
+        terminalreporter.write_line(f"skipped: {reason}")
+
+
+@pytest.fixture
+def device(tmp_path):
+    """Surroundings of the test's own, in a private mount namespace."""
+    reason = reason_against_namespaces()
+    if reason:
+        skip(reason)
+    return Device(tmp_path)
+
+
+@pytest.fixture(scope="session")
+def machine(tmp_path_factory, pytestconfig):
+    """The container with the real services, booted once for all tests that ask for it."""
+    if EMULATOR:
+        skip("the container with the real services is of this machine's architecture")
+    in_debugger = pytestconfig.option.usepdb or pytestconfig.option.trace
+    limit = container.DEBUGGER_LIFE_LIMIT_SECONDS if in_debugger else container.LIFE_LIMIT_SECONDS
+    try:
+        with container.boot(tmp_path_factory.mktemp("machine"), limit) as booted:
+            yield booted
+    except container.CannotBoot as reason:
+        skip(str(reason))
+
+
+@pytest.fixture(scope="session")
+def compile_library(tmp_path_factory):
+    """Compiles a file of `native/` to a shared object of the given name; returns its path."""
+    sources = pathlib.Path(__file__).with_name("native")
+
+    def compile_to(source, name):
+        library = tmp_path_factory.mktemp("native") / name
+        subprocess.run(
+            [os.environ.get("TARNWICK_CC") or "gcc", "-shared", "-fPIC", "-Wall", "-Werror", "-o", library, sources / source],
+            check=True,
+        )
+        return library
+
+    return compile_to
