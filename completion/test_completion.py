@@ -1,0 +1,214 @@
+"""Types into real shells and looks at what their completion makes of the line.
+
+TARNWICK_COMPLETIONS is the directory with the built completions and vocabulary.txt.
+"""
+
+import os
+import pathlib
+import pty
+import re
+import select
+import shutil
+import subprocess
+import time
+
+import pytest
+from support.tool import run_tool
+
+BUILT = pathlib.Path(os.environ.get("TARNWICK_COMPLETIONS", ".")).resolve()
+TIME_LIMIT_SECONDS = 60
+
+# In each shell Control-X a puts every match into the line.
+BASH_SETUP = r"""
+unset PROMPT_COMMAND
+bind '"\C-xa": insert-completions'
+source {built}/tarnwick-parse-config.bash
+"""
+ZSH_SETUP = r"""
+fpath=({built} $fpath)
+autoload -Uz compinit && compinit -u -D
+zle -C insert-matches complete-word _generic
+zstyle ':completion:insert-matches:*' completer _all_matches _complete
+zstyle ':completion:insert-matches:*' insert yes
+zstyle ':completion:insert-matches:*' old-matches no
+bindkey -e
+bindkey '^Xa' insert-matches
+"""
+# Writes its words to a file, which appears only when it is complete.
+SHOW_WORDS = r"""
+show_words() {
+    local file=$1
+    shift
+    printf '%s\n' "$@" > $file.new
+    mv $file.new $file
+}
+"""
+SHELLS = {
+    "bash": (["bash", "--norc", "--noprofile", "-i"], BASH_SETUP),
+    "zsh": (["zsh", "-f", "-i"], ZSH_SETUP),
+}
+ALL_MATCHES, LINE_START, ENTER = "\x18a", "\x01", "\r"
+
+
+def start_shell(command, directory):
+    """Starts an interactive shell; returns the process and our end of its terminal."""
+    ours, theirs = pty.openpty()
+    process = subprocess.Popen(
+        command,
+        cwd=directory,
+        env={**os.environ, "TERM": "dumb", "HOME": str(directory), "HISTFILE": ""},
+        stdin=theirs,
+        stdout=theirs,
+        stderr=theirs,
+        start_new_session=True,
+    )
+    os.close(theirs)
+    return process, ours
+
+
+def wait_for(path, terminal):
+    """The lines of a file that the shell writes; meanwhile its screen output is thrown away."""
+    end = time.monotonic() + TIME_LIMIT_SECONDS
+    screen = b""
+    while not path.exists():
+        assert time.monotonic() < end, f"no answer; on the screen: {screen!r}"
+        if select.select([terminal], [], [], 0.02)[0]:
+            screen += os.read(terminal, 65536)
+    return path.read_text().splitlines()
+
+
+@pytest.fixture(scope="module", params=SHELLS)
+def shell(request, tmp_path_factory):
+    """A function that types a line, has it completed, and returns the words it then holds."""
+    if not shutil.which(request.param):
+        pytest.skip(f"{request.param} is not installed")
+    command, setup = SHELLS[request.param]
+    directory = tmp_path_factory.mktemp(request.param)
+    for name in ["user.conf.d", "vendor.conf.d", "vendor data"]:
+        (directory / "work" / name).mkdir(parents=True)
+    (directory / "work" / "vendor-file").touch()
+    setup_file = directory / "setup"
+    setup_file.write_text(SHOW_WORDS + setup.format(built=BUILT))
+    process, terminal = start_shell(command, directory / "work")
+    answers = (directory / f"answer-{number}" for number in range(1000))
+
+    def words_after_completing(line):
+        answer = next(answers)
+        typed = line + ALL_MATCHES + LINE_START + f"show_words {answer} " + ENTER
+        os.write(terminal, typed.encode())
+        return wait_for(answer, terminal)
+
+    os.write(terminal, f". {setup_file}{ENTER}".encode())
+    yield words_after_completing
+    process.kill()
+    process.wait()
+    os.close(terminal)
+
+
+@pytest.fixture
+def offers(shell):
+    """A function that returns what completion offers for the last word of `line`."""
+
+    def offers_for(line):
+        typed = line.split()
+        kept = len(typed) if line.endswith(" ") else len(typed) - 1
+        return shell(line)[kept:]
+
+    return offers_for
+
+
+def vocabulary():
+    """The keys of each group, as the library defines them."""
+    keys = {}
+    for line in (BUILT / "vocabulary.txt").read_text().splitlines():
+        group, key = line.split()
+        keys.setdefault(group, []).append(key)
+    return keys
+
+
+def usage_options():
+    usage = run_tool("--user-id", "0").stdout.decode()
+    return re.findall(r"^    (--[a-z-]+)", usage, flags=re.MULTILINE)
+
+
+def test_a_dash_offers_every_option_of_the_usage_text(offers):
+    assert sorted(offers("tarnwick-parse-config --")) == sorted(usage_options())
+
+
+def test_an_unfinished_option_offers_the_options_that_begin_so(offers):
+    assert sorted(offers("tarnwick-parse-config --co")) == ["--config", "--configs"]
+
+
+def test_log_level_offers_the_levels(offers):
+    levels = ["critical", "debug", "error", "info", "warning"]
+    assert sorted(offers("tarnwick-parse-config --log-level ")) == levels
+
+
+@pytest.mark.parametrize("level", ["critical", "debug", "error", "info", "warning"])
+def test_the_tool_accepts_each_level_that_is_offered(level, tmp_path):
+    (tmp_path / "a.conf").write_text("[Config]\nArch=arm64\n")
+    result = run_tool(
+        "--user-id", "0", "--config", str(tmp_path), "--log-level", level, "--key", "Arch"
+    )
+    assert result.returncode == 0
+
+
+def test_group_offers_the_groups_of_the_vocabulary(offers):
+    assert sorted(offers("tarnwick-parse-config --group ")) == sorted(vocabulary())
+
+
+@pytest.mark.parametrize(
+    "group", ["Audio", "Config", "Devices", "Features", "GeneratedConfig", "Network"]
+)
+def test_key_offers_the_keys_of_the_group_given(offers, group):
+    offered = offers(f"tarnwick-parse-config --list --group {group} --user-id 0 --key ")
+    assert sorted(offered) == sorted(vocabulary()[group])
+
+
+def test_key_offers_the_keys_of_the_default_group_when_none_is_given(offers):
+    assert sorted(offers("tarnwick-parse-config --key ")) == sorted(vocabulary()["Config"])
+
+
+def test_key_narrows_down_to_what_was_typed(offers):
+    offered = offers("tarnwick-parse-config --group Audio --key BufferSizeOutD")
+    assert sorted(offered) == ["BufferSizeOutDeepBuffer", "BufferSizeOutDefault"]
+
+
+def test_the_last_group_counts(offers):
+    offered = offers("tarnwick-parse-config --group Audio --group Network --key ")
+    assert sorted(offered) == sorted(vocabulary()["Network"])
+
+
+def test_an_unknown_group_offers_no_key(offers):
+    assert offers("tarnwick-parse-config --group Nothing --key ") == []
+
+
+def test_config_offers_directories_and_no_files(offers):
+    offered = offers("tarnwick-parse-config --config vendor.")
+    assert [name.rstrip("/") for name in offered] == ["vendor.conf.d"]
+
+
+def test_a_directory_with_a_blank_in_its_name_stays_one_word(shell):
+    words = shell("tarnwick-parse-config --config vendor\\ ")
+    assert [word.rstrip("/") for word in words[1:]] == ["--config", "vendor data"]
+
+
+def test_configs_offers_directories_behind_each_colon(shell):
+    words = shell("tarnwick-parse-config --configs vendor.conf.d:us")
+    assert [word.rstrip("/") for word in words[1:]] == ["--configs", "vendor.conf.d:user.conf.d"]
+
+
+def test_an_option_stands_behind_a_finished_value(offers):
+    assert offers("tarnwick-parse-config --configs a:b --key Arch --li") == ["--list"]
+
+
+def test_a_value_that_looks_like_an_option_is_a_value(offers):
+    assert sorted(offers("tarnwick-parse-config --instance --group --group N")) == ["Network"]
+
+
+def test_an_instance_name_is_left_to_the_user(offers):
+    assert offers("tarnwick-parse-config --instance ") == []
+
+
+def test_a_variable_before_the_command_does_no_harm(offers):
+    assert offers("LANG=C tarnwick-parse-config --log-level d") == ["debug"]

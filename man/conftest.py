@@ -1,0 +1,6 @@
+"""Makes the tests' shared `support` package importable here."""
+
+import pathlib
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "tests"))

@@ -1,0 +1,159 @@
+"""Runs every example of the manual and the documents, and holds the pages against the code."""
+
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+
+import pytest
+from support.tool import EMULATOR, run_tool, tool_command
+from text_examples import blocks_of, examples_in, run_example
+
+ROOT = pathlib.Path(__file__).parent.parent
+PAGES = sorted((ROOT / "man").glob("*.scd"))
+DOCUMENTS = [ROOT / "README.md", ROOT / "docs" / "file-format.md"]
+BUILD = os.environ.get("TARNWICK_BUILD", "")
+
+EXAMPLES = [(path, example) for path in [*PAGES, *DOCUMENTS] for example in examples_in(path)]
+
+
+def needs_build(example):
+    """Whether the example has a program to compile or runs a program of the tree."""
+    return any(b.kind == "program" or "example-generator" in b.text for b in example.blocks)
+
+
+@pytest.mark.parametrize(
+    "example", [pytest.param(e, id=f"{p.name}: {e.title}") for p, e in EXAMPLES]
+)
+def test_the_example_shows_what_happens(example, tmp_path):
+    if needs_build(example) and (EMULATOR or not BUILD):
+        pytest.skip("needs TARNWICK_BUILD, a build tree for this machine")
+    # Documents of the repository may show its own example configuration.
+    (tmp_path / "examples").symlink_to(ROOT / "examples")
+
+    results = run_example(example, tmp_path, tool_command(), BUILD)
+
+    assert results, "an example without a transcript proves nothing"
+    for line, written, seen in results:
+        assert seen == written, f"the transcript at line {line}"
+
+
+def page_text(name):
+    """A page's source without its markup."""
+    source = (ROOT / "man" / name).read_text()
+    return re.sub(r"[*_]|\\|\+\+$", "", source, flags=re.MULTILINE)
+
+
+def usage_options():
+    usage = run_tool("--user-id", "0").stdout.decode()
+    return re.findall(r"^    (--[a-z-]+)", usage, flags=re.MULTILINE)
+
+
+def test_every_option_of_the_usage_text_is_a_heading_of_the_options_section():
+    section = (ROOT / "man" / "tarnwick-parse-config.1.scd").read_text()
+    section = section[section.index("# OPTIONS") : section.index("# THE USER")]
+    headings = re.findall(r"^\*(--[a-z-]+)\*", section, flags=re.MULTILINE)
+    assert sorted(headings) == sorted(usage_options())
+
+
+# What is no message: the notes for package tools, and the C++ character constant of a quote.
+NO_MESSAGE = re.compile(r"""//[^\n]*|TARNWICK_DLOPEN_NOTE\([^;]*;|'"'""")
+
+
+def messages_of(source):
+    """The literal texts of three words and more in a C++ source file."""
+    literals = re.findall(r'"((?:[^"\\\n]|\\.)*)"', NO_MESSAGE.sub("", source))
+    texts = (literal.replace("\\n", "").strip() for literal in literals)
+    return [text for text in texts if len(text.split()) >= 3 and "%s" not in text]
+
+
+def test_every_message_of_the_sources_is_in_the_manual():
+    manual = "".join(page_text(page.name) for page in PAGES)
+    texts = {
+        text: path.name
+        for path in [*ROOT.glob("src/**/*.cpp"), *ROOT.glob("tools/**/*.cpp")]
+        for text in messages_of(path.read_text())
+    }
+    assert len(texts) > 60, "the sources' messages were not found"
+    # Markup is gone from the manual's text, so it must be from the messages as well.
+    missing = {text: file for text, file in texts.items() if text.replace("_", "") not in manual}
+    assert not missing
+
+
+def heading_anchors(document):
+    headings = re.findall(r"^#+ (.*)$", document.read_text(), flags=re.MULTILINE)
+    return {re.sub(r"[^a-z0-9 _-]", "", h.lower()).replace(" ", "-") for h in headings}
+
+
+@pytest.mark.parametrize(
+    "document",
+    [*ROOT.glob("*.md"), *ROOT.glob("docs/*.md")],
+    ids=lambda document: str(document.relative_to(ROOT)),
+)
+def test_every_link_of_the_document_leads_somewhere(document):
+    for link in re.findall(r"\]\(([^)\s]+)\)", document.read_text()):
+        if re.match(r"[a-z]+:", link):
+            continue
+        path, _, anchor = link.partition("#")
+        target = document.parent / path if path else document
+        assert target.exists(), link
+        assert not anchor or anchor in heading_anchors(target), link
+
+
+def built_pages(directory):
+    for page in PAGES:
+        target = directory / page.name.removesuffix(".scd")
+        target.write_bytes(
+            subprocess.run(
+                ["scdoc"], input=page.read_bytes(), stdout=subprocess.PIPE, check=True
+            ).stdout
+        )
+        yield target
+
+
+@pytest.mark.skipif(not shutil.which("man"), reason="man-db is not installed")
+def test_the_pages_render_without_a_warning(tmp_path):
+    for page in built_pages(tmp_path):
+        result = subprocess.run(
+            ["man", "--warnings", "-l", str(page)],
+            stdout=subprocess.DEVNULL,
+            stderr=subprocess.PIPE,
+            env={**os.environ, "MANWIDTH": "100", "LC_ALL": "C.UTF-8"},
+            check=True,
+        )
+        assert result.stderr.decode() == "", page.name
+
+
+@pytest.mark.skipif(not shutil.which("mandoc"), reason="mandoc is not installed")
+def test_the_pages_have_no_error_for_mandoc(tmp_path):
+    for page in built_pages(tmp_path):
+        subprocess.run(["mandoc", "-T", "lint", "-W", "error", str(page)], check=True)
+
+
+def test_every_page_names_the_others():
+    names = {page.name.removesuffix(".scd") for page in PAGES}
+    for page in PAGES:
+        see_also = page.read_text().split("# SEE ALSO")[1]
+        for name in names - {page.name.removesuffix(".scd")}:
+            stem, section = name.rsplit(".", 1)
+            assert f"*{stem}*({section})" in see_also, page.name
+
+
+def test_the_finder_refuses_a_block_that_nothing_announces(tmp_path):
+    page = tmp_path / "page.md"
+    page.write_text("```\nunannounced\n```\n")
+    with pytest.raises(ValueError, match="page.md:1"):
+        list(blocks_of(page))
+
+
+def test_the_runner_sees_a_wrong_answer(tmp_path):
+    page = tmp_path / "page.md"
+    page.write_text(
+        "<!-- example: two commands -->\n<!-- transcript -->\n```\n"
+        "$ echo one; false\none\n$ echo $?\n0\n```\n"
+    )
+    work = tmp_path / "work"
+    work.mkdir()
+    [(_, written, seen)] = run_example(examples_in(page)[0], work, ["/bin/true"])
+    assert seen == written.replace("0\n", "1\n")
