@@ -1,0 +1,119 @@
+"""A staged installation: which files there are, and what a programmer builds with them."""
+
+import os
+import sys
+
+import pytest
+
+from install_commands import ROOT, project_version, run
+
+CONSUMER = ROOT / "tests" / "install" / "consumer"
+GENERATOR = ROOT / "examples" / "generator"
+GENERATOR_TESTS = ROOT / "tests" / "generator"
+
+HEADERS = [
+    "api.h",
+    "config_parser.h",
+    "config_value.h",
+    "config_writer.h",
+    "generator_helpers.h",
+    "logging/log_record.h",
+    "logging/logger_config.h",
+    "vocabulary.h",
+    "vocabulary_names.h",
+]
+LIBRARY_FILES = [
+    "cmake/TarnwickParser/TarnwickParserConfig-release.cmake",
+    "cmake/TarnwickParser/TarnwickParserConfig.cmake",
+    "cmake/TarnwickParser/TarnwickParserConfigVersion.cmake",
+    "libtarnwick-parser.so",
+    "libtarnwick-parser.so.0",
+    f"libtarnwick-parser.so.{project_version()}",
+    "pkgconfig/tarnwick-parser.pc",
+]
+OTHER_FILES = [
+    "usr/bin/tarnwick-parse-config",
+    "usr/share/bash-completion/completions/tarnwick-parse-config",
+    "usr/share/man/man1/tarnwick-parse-config.1",
+    "usr/share/man/man3/libtarnwick-parser.3",
+    "usr/share/man/man5/tarnwick.conf.5",
+    "usr/share/zsh/vendor-completions/_tarnwick-parse-config",
+]
+
+# What the consumer says about its two device nodes.
+ANSWER = "2\n"
+RECORD = "WARNING: [/dev/binder, /dev/ashmem]\n"
+
+
+def test_these_files_are_installed_and_no_others(stage, library_directory):
+    expected = [
+        *(stage / file for file in OTHER_FILES),
+        *(stage / "usr" / "include" / "tarnwick" / header for header in HEADERS),
+        *(library_directory / file for file in LIBRARY_FILES),
+    ]
+    assert sorted(path for path in stage.rglob("*") if not path.is_dir()) == sorted(expected)
+
+
+def test_the_default_configuration_directory_is_there_and_empty(stage):
+    assert list((stage / "etc" / "tarnwick.conf.d").iterdir()) == []
+
+
+def test_no_installed_text_names_a_path_of_this_machine(stage):
+    texts = [path for path in stage.rglob("*") if path.suffix in {".cmake", ".pc", ".h"}]
+    assert texts
+    assert [path for path in texts if str(ROOT) in path.read_text()] == []
+
+
+def test_a_program_finds_and_links_the_library_with_cmake(stage, tmp_path):
+    configure = ["cmake", "-G", "Ninja", "-S", CONSUMER, "-B", tmp_path]
+    run(*configure, f"-DCMAKE_PREFIX_PATH={stage}/usr")
+    run("cmake", "--build", tmp_path)
+    result = run(tmp_path / "consumer", CONSUMER / "conf.d")
+    assert (result.stdout, result.stderr) == (ANSWER, RECORD)
+
+
+def test_a_program_finds_and_links_the_library_with_pkg_config(stage, library_directory, tmp_path):
+    staged = {
+        "PKG_CONFIG_PATH": f"{library_directory}/pkgconfig",
+        "PKG_CONFIG_SYSROOT_DIR": str(stage),
+        # The default directories count as staged ones here, so none is left out.
+        "PKG_CONFIG_ALLOW_SYSTEM_CFLAGS": "1",
+        "PKG_CONFIG_ALLOW_SYSTEM_LIBS": "1",
+    }
+    flags = run("pkg-config", "--cflags", "--libs", "tarnwick-parser", env=staged).stdout.split()
+    program = tmp_path / "consumer"
+    run("g++", "-std=c++20", CONSUMER / "main.cpp", *flags, "-o", program)
+    result = run(program, CONSUMER / "conf.d", env={"LD_LIBRARY_PATH": str(library_directory)})
+    assert (result.stdout, result.stderr) == (ANSWER, RECORD)
+
+
+def test_pkg_config_knows_the_version(library_directory):
+    directory = {"PKG_CONFIG_PATH": f"{library_directory}/pkgconfig"}
+    version = run("pkg-config", "--modversion", "tarnwick-parser", env=directory).stdout
+    assert version == project_version() + "\n"
+
+
+def test_the_example_generator_builds_alone_and_passes_its_tests(stage, tmp_path):
+    build = tmp_path / "examples" / "generator"
+    configure = ["cmake", "-G", "Ninja", "-S", GENERATOR, "-B", build]
+    run(*configure, f"-DCMAKE_PREFIX_PATH={stage}/usr")
+    run("cmake", "--build", build)
+    linked = run("ldd", build / "example-generator").stdout
+    assert f"{stage}/usr/lib" in linked
+    run(
+        *[sys.executable, "-m", "pytest", "-q", "-p", "no:cacheprovider", GENERATOR_TESTS],
+        env={
+            "TARNWICK_BUILD": str(tmp_path),
+            "TARNWICK_TOOL": str(stage / "usr" / "bin" / "tarnwick-parse-config"),
+        },
+        cwd=ROOT,
+    )
+
+
+@pytest.mark.parametrize("header", HEADERS)
+def test_each_header_compiles_alone(header, stage, tmp_path):
+    source = tmp_path / "alone.cpp"
+    source.write_text(f"#include <tarnwick/{header}>\n#include <tarnwick/{header}>\n")
+    compiler = os.environ.get("CXX", "g++")
+    warnings = ["-Wall", "-Wextra", "-Wpedantic", "-Werror"]
+    run(compiler, "-std=c++20", *warnings, "-fsyntax-only", f"-I{stage}/usr/include", source)

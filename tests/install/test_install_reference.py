@@ -1,0 +1,62 @@
+"""The library's reference: it covers the installed headers, and what it lacks is an error."""
+
+import re
+import shutil
+import subprocess
+
+import pytest
+
+from install_commands import ROOT, project_version, run
+
+PARTS = ["CMakeLists.txt", "docs", "scripts/build-docs", "src"]
+
+
+@pytest.fixture
+def tree(tmp_path):
+    """A copy of what the reference is made of."""
+    for name in PARTS:
+        source, target = ROOT / name, tmp_path / name
+        target.parent.mkdir(exist_ok=True)
+        (shutil.copytree if source.is_dir() else shutil.copy)(source, target)
+    return tmp_path
+
+
+def first_page(tree):
+    return (tree / "build" / "docs" / "index.html").read_text()
+
+
+def doxyfile_headers():
+    text = (ROOT / "docs" / "Doxyfile").read_text()
+    return set(re.findall(r"\bsrc/(\S+\.h)\b", text))
+
+
+def test_the_reference_is_made_from_the_installed_headers(stage):
+    directory = stage / "usr" / "include" / "tarnwick"
+    installed = {str(path.relative_to(directory)) for path in directory.rglob("*.h")}
+    assert doxyfile_headers() == installed
+
+
+def test_the_reference_is_made_without_a_warning(tree):
+    result = run(tree / "scripts" / "build-docs")
+    assert result.stderr == ""
+    assert project_version() in first_page(tree)
+
+
+def test_the_reference_has_every_constant_of_the_vocabulary(tree):
+    run(tree / "scripts" / "build-docs")
+    page = (tree / "build" / "docs" / "namespaceTarnwick_1_1Parser.html").read_text()
+    rows = re.findall(r"ROW\((\w+)", (ROOT / "src" / "vocabulary_names.h").read_text())
+    shown = re.findall(r"\bk(?:Group|Key|Value)(\w+)\b", page)
+    assert "UserId" in rows
+    assert set(rows) - {"name"} == set(shown)
+
+
+def test_a_public_name_without_a_description_is_an_error(tree):
+    header = tree / "src" / "config_writer.h"
+    text = header.read_text()
+    header.write_text(text.replace("private:", "    void writeNothing();\n\nprivate:"))
+    result = subprocess.run(
+        [tree / "scripts" / "build-docs"], capture_output=True, text=True, check=False
+    )
+    assert result.returncode != 0
+    assert "writeNothing" in result.stderr
