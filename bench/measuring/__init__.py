@@ -1,0 +1,1 @@
+"""Measures whole processes: inputs, the programs beside which the tool runs, counting, reports."""

@@ -1,0 +1,108 @@
+"""Turns measurements into Markdown: tables of ratios, and how they stand to the targets."""
+
+from .programs import EMPTY, KEY_FILE, LIMIT, TOOL
+
+# Where a page shows what was measured last.
+BEGIN, END = "<!-- measured: begin -->\n", "<!-- measured: end -->\n"
+
+
+def table(columns, rows):
+    """A Markdown table; the first column is text, the others are numbers."""
+    lines = ["| " + " | ".join(columns) + " |", "|---|" + "--:|" * (len(columns) - 1)]
+    lines += ["| " + " | ".join(row) + " |" for row in rows]
+    return "\n".join(lines)
+
+
+def ratio(costs, name, peer, field="seconds"):
+    """How often the peer's cost fits into the program's; None when one was not measured."""
+    if name not in costs or peer not in costs:
+        return None
+    return getattr(costs[name], field) / getattr(costs[peer], field)
+
+
+def number(value, decimals=2):
+    return "–" if value is None else f"{value:,.{decimals}f}"
+
+
+def startup_table(costs, calls, instructions):
+    return table(
+        ["program", "time (empty = 1)", "processor time (empty = 1)", "thousand instructions",
+         "system calls", "peak MiB"],
+        [
+            [name, number(ratio(costs, name, EMPTY)),
+             number(ratio(costs, name, EMPTY, "processor_seconds")),
+             number(instructions[name] / 1000, 0), str(calls[name]), number(run.peak_mib, 1)]
+            for name, run in costs.items()
+        ],
+    )
+
+
+def large_table(costs, calls, keys):
+    return table(
+        ["program", f"time ({LIMIT} = 1)", f"time ({KEY_FILE} = 1)", "ns per key", "system calls",
+         "peak MiB"],
+        [
+            [name, number(ratio(costs, name, LIMIT)), number(ratio(costs, name, KEY_FILE)),
+             number(run.seconds / keys * 1e9, 0), str(calls[name]), number(run.peak_mib, 1)]
+            for name, run in costs.items()
+        ],
+    )
+
+
+def sweep_table(sweep):
+    """`sweep`: number of keys to costs. The peers' columns are multiples of the tool's time."""
+    names = list(dict.fromkeys(name for costs in sweep.values() for name in costs if name != TOOL))
+    return table(
+        ["keys", f"{TOOL}, ms", "ns per key", "processor ns per key", *names],
+        [
+            [f"{keys:,}", number(costs[TOOL].seconds * 1e3),
+             number(costs[TOOL].seconds / keys * 1e9, 0),
+             number(costs[TOOL].processor_seconds / keys * 1e9, 0),
+             *(number(ratio(costs, name, TOOL)) for name in names)]
+            for keys, costs in sweep.items()
+        ],
+    )
+
+
+def growth(sweep, first=10_000):
+    """Largest time per key over smallest, from `first` keys on, without the cost of the start.
+    Processor time, which a busy machine disturbs least."""
+    seconds = {keys: costs[TOOL].processor_seconds for keys, costs in sweep.items()}
+    start = min(seconds.values())
+    per_key = [(seconds[keys] - start) / keys for keys in seconds if keys >= first]
+    return max(per_key) / min(per_key)
+
+
+def verdict(measured, most):
+    if measured is None:
+        return "not measured"
+    return "met" if measured <= most else "**above**"
+
+
+def targets_table(rows):
+    """`rows`: what, the measured figure or None, and the most it may be."""
+    return table(
+        ["target", "measured", "at most", ""],
+        [
+            [what, number(measured), number(most), verdict(measured, most)]
+            for what, measured, most in rows
+        ],
+    )
+
+
+def references_table(listing, lookup):
+    return table(
+        ["request of the same file", "time (one plain value = 1)", "ms", "peak MiB"],
+        [
+            [name, number(run.seconds / lookup.seconds), number(run.seconds * 1e3, 0),
+             number(run.peak_mib, 1)]
+            for name, run in (("one plain value", lookup), ("the 10,000 values listed", listing))
+        ],
+    )
+
+
+def with_measured_text(page, text):
+    """The page with `text` between its two marks."""
+    before, rest = page.split(BEGIN)
+    _, after = rest.split(END)
+    return f"{before}{BEGIN}\n{text}\n\n{END}{after}"
