@@ -1,0 +1,5 @@
+# 64-bit ARM.
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(debian_architecture arm64)
+set(gnu_triplet aarch64-linux-gnu)
+include("${CMAKE_CURRENT_LIST_DIR}/debian-cross.cmake")
