@@ -42,8 +42,9 @@ def namespaces():
 @pytest.fixture
 def ask_in_root(namespaces, tmp_path):
     """Lays out files below a root directory and asks for key K in it."""
-    for directory in ("usr", "proc", "dev", BUILD_DIRECTORY.lstrip("/")):
-        (tmp_path / directory).mkdir(parents=True)
+    # An emulator in the tool's place wants to leave files in /tmp.
+    for directory in ("usr", "proc", "dev", "tmp", BUILD_DIRECTORY.lstrip("/")):
+        (tmp_path / directory).mkdir(parents=True, exist_ok=True)
     for link in ("bin", "lib", "lib64"):
         (tmp_path / link).symlink_to(f"usr/{link}")
 
