@@ -8,6 +8,7 @@ from pathlib import Path
 
 import pytest
 
+from support.preloading import compile_library, preload
 from support.tool import TOOL
 from watching import MEGABYTE, NOBODY, load_failure, one_critical_record, run, session_members, start, wait, wait_until
 
@@ -192,6 +193,27 @@ def append_until(path, stop):
 def long_name(start):
     """255 bytes of permitted characters, every one of them at least three times."""
     return (start + NAME_CHARACTERS * 4)[:255]
+
+
+@pytest.fixture
+def with_failing_files(place):
+    """The environment in which reading a file named `failing...` fails where the file ends."""
+    source = Path(__file__).parent.parent / "support" / "failing_read.cpp"
+    return preload(compile_library(source, place / "failing_read.so"))
+
+
+@pytest.mark.parametrize("last_line", ["", "K=cut off"])
+def test_a_file_that_cannot_be_read_to_its_end_fails_to_load(place, with_failing_files, last_line):
+    (place / "d/failing.conf").write_text("[Config]\nK=1\n" + last_line)
+    outcome = run(*ASK, place=place, env=with_failing_files)
+    assert (outcome.status, outcome.stdout, outcome.stderr) == (1, b"", load_failure("d/failing.conf"))
+
+
+def test_an_environment_file_that_cannot_be_read_to_its_end_still_gives_what_was_found(place, with_failing_files):
+    (place / "failing.env").write_text("NAME=found\nNAME=cut off")
+    (place / "d/a.conf").write_text("[Config]\nK=${envfile:failing.env:NAME}\n")
+    outcome = run(*ASK, place=place, env=with_failing_files)
+    assert (outcome.status, outcome.stdout, outcome.stderr) == (0, b"found\n", b"")
 
 
 def test_names_of_255_bytes_may_use_every_permitted_character(place):

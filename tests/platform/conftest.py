@@ -1,13 +1,12 @@
 """Fixtures for the tests of what surrounds the tool; see docs/testing.md for the layers."""
 
-import os
 import pathlib
-import subprocess
 
 import pytest
 
 import container
 from device import Device, reason_against_namespaces
+from support import preloading
 from support.tool import EMULATOR
 
 
@@ -58,11 +57,6 @@ def compile_library(tmp_path_factory):
     sources = pathlib.Path(__file__).with_name("native")
 
     def compile_to(source, name):
-        library = tmp_path_factory.mktemp("native") / name
-        subprocess.run(
-            [os.environ.get("TARNWICK_CC") or "gcc", "-shared", "-fPIC", "-Wall", "-Werror", "-o", library, sources / source],
-            check=True,
-        )
-        return library
+        return preloading.compile_library(sources / source, tmp_path_factory.mktemp("native") / name)
 
     return compile_to

@@ -14,7 +14,8 @@ import time
 
 import pytest
 
-from support.tool import EMULATOR, clean_environment, tool_command, write_files
+from support.preloading import preload
+from support.tool import clean_environment, tool_command, write_files
 
 RUN_LIMIT_SECONDS = 60
 FAKETIME_LIBRARY = f"/usr/lib/{sysconfig.get_config_var('MULTIARCH')}/faketime/libfaketime.so.1"
@@ -88,6 +89,19 @@ class Device:
         """Makes `lines` the whole configuration."""
         write_files(self.configuration, {"test.conf": "".join(f"{line}\n" for line in lines)})
 
+    def write_database(self, home, **values):
+        """Compiles a dconf database below `home` that holds `values` (GVariant text) under
+        /com/vexmoor/."""
+        if shutil.which("dconf") is None:
+            pytest.skip("compiling a database needs dconf")
+        sources = home / "keyfiles"
+        lines = ["[com/vexmoor]", *(f"{name}={text}" for name, text in values.items())]
+        write_files(sources, {"values": "".join(f"{line}\n" for line in lines)})
+        database = home / ".config" / "dconf" / "user"
+        database.parent.mkdir(parents=True)
+        subprocess.run(["dconf", "compile", database, sources], check=True, timeout=RUN_LIMIT_SECONDS)
+        return database
+
     def write_seat(self, text):
         """Replaces the seat file, as login does: whole, under its name in one step."""
         new = self.seat.with_name(".#seat0")
@@ -132,14 +146,6 @@ class Device:
             self.inside(*self.tool(*arguments, env=env)), env=self.environment(), stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE, stderr=stderr,
         )
-
-
-def preload(library):
-    """The environment that loads `library` first; sanitizers would otherwise insist on that place."""
-    if EMULATOR:
-        pytest.skip("the tool's native commands would load the library as well")
-    options = ":".join(filter(None, [os.environ.get("ASAN_OPTIONS"), "verify_asan_link_order=0"]))
-    return {"LD_PRELOAD": str(library), "ASAN_OPTIONS": options}
 
 
 def hurried():

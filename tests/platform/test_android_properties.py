@@ -2,7 +2,7 @@
 
 import pytest
 
-from device import preload
+from support.preloading import preload
 
 LIBRARY = "libandroid-properties.so.1"
 

@@ -1,25 +1,8 @@
 """Values out of compiled dconf databases: every type, whose database, and what stays behind."""
 
-import shutil
-import subprocess
-
 import pytest
 
 UNSUPPORTED = b"WARNING: Unsupported GVariant type '%s'\n"
-
-
-def write_database(home, **values):
-    """Compiles a database below `home` that holds `values` (GVariant text) under /com/vexmoor/."""
-    if shutil.which("dconf") is None:
-        pytest.skip("compiling a database needs dconf")
-    sources = home / "keyfiles"
-    sources.mkdir()
-    lines = ["[com/vexmoor]", *(f"{name}={text}" for name, text in values.items())]
-    (sources / "values").write_text("".join(f"{line}\n" for line in lines))
-    database = home / ".config" / "dconf" / "user"
-    database.parent.mkdir(parents=True)
-    subprocess.run(["dconf", "compile", database, sources], check=True, timeout=60)
-    return database
 
 
 @pytest.fixture
@@ -69,7 +52,7 @@ CONVERTED = [
 
 @pytest.mark.parametrize(("variant", "text"), CONVERTED, ids=[variant for variant, _ in CONVERTED])
 def test_a_value_of_a_simple_type_is_converted_to_text(device, home, variant, text):
-    write_database(home, value=variant)
+    device.write_database(home, value=variant)
     result = ask(device)
     assert (result.stdout, result.stderr, result.returncode) == (text + b"\n", b"", 0)
 
@@ -89,7 +72,7 @@ REFUSED = [
 
 @pytest.mark.parametrize(("variant", "kind"), REFUSED, ids=[variant for variant, _ in REFUSED])
 def test_a_value_of_another_type_is_warned_of_and_missing(device, home, variant, kind):
-    write_database(home, value=variant)
+    device.write_database(home, value=variant)
     result = ask(device)
     assert (result.stdout, result.stderr, result.returncode) == (b"", UNSUPPORTED % kind, 2)
 
@@ -101,13 +84,13 @@ FAILED_TO_READ = (
 
 
 def test_an_empty_string_is_as_good_as_no_value(device, home):
-    write_database(home, value="''")
+    device.write_database(home, value="''")
     result = ask(device, "--log-level", "debug")
     assert (result.stdout, result.stderr, result.returncode) == (b"", FAILED_TO_READ, 2)
 
 
 def test_a_key_that_the_database_lacks_has_no_value(device, home):
-    write_database(home, other="'text'")
+    device.write_database(home, other="'text'")
     result = ask(device, "--log-level", "debug")
     assert (result.stdout, result.stderr, result.returncode) == (b"", FAILED_TO_READ, 2)
 
@@ -119,7 +102,7 @@ def test_a_user_without_a_database_has_no_value(device, home):
 
 @pytest.mark.parametrize("content", [b"", b"junk", b"junk" * 1000], ids=["empty", "short", "long"])
 def test_a_corrupt_database_has_no_value(device, home, content):
-    database = write_database(home, value="'text'")
+    database = device.write_database(home, value="'text'")
     database.write_bytes(content)
     result = ask(device, "--log-level", "debug")
     # The dconf library may complain of the file in its own words.
@@ -134,13 +117,13 @@ def test_a_missing_value_leaves_the_rest_of_the_configuration_alone(device, home
 
 def test_a_value_is_part_of_the_text_around_it(device, home):
     device.configure("[Config]", "Hostname=<${dconf:/com/vexmoor/a}-${dconf:/com/vexmoor/b}>")
-    write_database(home, a="'left'", b="5")
+    device.write_database(home, a="'left'", b="5")
     assert ask(device).stdout == b"<left-5>\n"
 
 
 def test_each_user_gets_the_value_of_their_own_database(device, home):
-    write_database(home, value="'of amber'")
-    write_database(device.add_account("birch", 1066), value="'of birch'")
+    device.write_database(home, value="'of amber'")
+    device.write_database(device.add_account("birch", 1066), value="'of birch'")
     assert ask(device, user=1065).stdout == b"of amber\n"
     assert ask(device, user=1066).stdout == b"of birch\n"
 
@@ -148,7 +131,7 @@ def test_each_user_gets_the_value_of_their_own_database(device, home):
 def test_the_caller_s_own_configuration_directory_is_not_looked_at(device, home, tmp_path):
     elsewhere = tmp_path / "elsewhere"
     elsewhere.mkdir()
-    write_database(elsewhere, value="'of the caller'")
+    device.write_database(elsewhere, value="'of the caller'")
     result = ask(device, env={"XDG_CONFIG_HOME": str(elsewhere / ".config")})
     assert (result.stdout, result.returncode) == (b"", 2)
 
@@ -167,7 +150,7 @@ def test_a_command_run_after_a_dconf_read_sees_the_saved_directory(device, home,
         "Arch=${dconf:/com/vexmoor/value}",
         "Hostname=${system:env | grep ^XDG_CONFIG_HOME=}",
     )
-    write_database(home, value="'text'")
+    device.write_database(home, value="'text'")
     result = ask(device, env=before)
     assert (result.stdout, result.stderr) == (seen, b"")
     assert ask(device, "--key", "Arch", env=before).stdout == b"text\n"
@@ -177,7 +160,7 @@ def test_a_command_run_after_a_dconf_read_sees_the_saved_directory(device, home,
 def test_the_saved_directory_returns_whatever_became_of_the_read(device, home, variant):
     device.configure("[Config]", "Arch=${dconf:/com/vexmoor/value}", "Hostname=${env:XDG_CONFIG_HOME}")
     if variant is not None:
-        write_database(home, value=variant)
+        device.write_database(home, value=variant)
     assert ask(device, env={"XDG_CONFIG_HOME": "/saved"}).stdout == b"/saved\n"
 
 
@@ -194,22 +177,22 @@ GENERATED = [
 
 def test_generated_keys_are_read_from_the_database_of_root(device, home):
     device.configure(*GENERATED)
-    write_database(home, value="'of amber'")
-    write_database(device.homes / "root", value="'of root'")
+    device.write_database(home, value="'of amber'")
+    device.write_database(device.homes / "root", value="'of root'")
     assert ask(device).stdout == b"of root\n"
 
 
 def test_the_first_read_decides_whose_database_the_whole_run_uses(device, home):
     device.configure(*GENERATED, "Hostname=${dconf:/com/vexmoor/value}")
-    write_database(home, value="'of amber'")
-    write_database(device.homes / "root", value="'of root'")
+    device.write_database(home, value="'of amber'")
+    device.write_database(device.homes / "root", value="'of root'")
     assert ask(device).stdout == b"of root\n"
 
 
 def test_a_user_without_an_account_has_no_value(device, home):
     device.remove_accounts()
     home = device.homes / "amber"
-    write_database(home, value="'of amber'")
+    device.write_database(home, value="'of amber'")
     with device.passwd.open("a") as passwd:
         passwd.write(f"amber:x:1065:1065::{home}:/bin/sh\n")
     device.configure(*GENERATED, "Hostname=none")

@@ -20,6 +20,11 @@ def test_name_and_home_come_from_the_account(device, uid):
     assert (result.stderr, result.returncode) == (b"", 0)
 
 
+def test_a_user_id_beyond_31_bits_shows_as_a_negative_number(device):
+    device.add_account("amber", 2**32 - 2)
+    assert ask(device, -2).stdout == f"amber|-2|{device.homes / 'amber'}\n".encode()
+
+
 @pytest.mark.parametrize("uid", [4242, -2, 2147483647])
 def test_a_user_without_an_account_is_an_error(device, uid):
     result = ask(device, uid)
