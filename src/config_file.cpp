@@ -38,14 +38,13 @@ ConfigFileIterator& ConfigFileIterator::operator++() {
 
 void ConfigFileIterator::readToNextEntry() {
     hasEntry_ = false;
-    while (!isExhausted_ && !hasEntry_) {
+    while (!isExhausted_ && !isUnreadable_ && !hasEntry_) {
         const std::int64_t lineStart = reader_.offset();
         std::string_view line;
         const LineReader::Outcome outcome = nextLine(line);
         if (outcome == LineReader::Outcome::Failure) {
-            file_->failed = true;
-            isExhausted_ = true;
-            return;
+            isUnreadable_ = true;
+            break;
         }
         position_ = lineStart;
         if (outcome == LineReader::Outcome::EndOfFile) {
@@ -54,6 +53,9 @@ void ConfigFileIterator::readToNextEntry() {
         isExhausted_ = outcome == LineReader::Outcome::UnterminatedLine;
         ++lineNumber_;
         readLine(line);
+    }
+    if (isUnreadable_) {
+        file_->failed = true;  // again at every advance, should the caller have cleared it
     }
 }
 

@@ -24,11 +24,13 @@ struct ConfigFile {
 ///     file  = { line LF }
 ///     line  = "" | ("#" | ";") anything        blank, comment: skipped
 ///           | "[" name "]"                     group of the keys that follow
-///           | name "=" value                   one entry; the value is all after the first "="
-///     name  = { " " | "-" | "." | "0".."9" | "A".."Z" | "_" | "a".."z" }
+///           | key "=" value                    one entry; the value is all after the first "="
+///     key   = mark name
+///     name  = { " " | mark }
+///     mark  = "-" | "." | "0".."9" | "A".."Z" | "_" | "a".."z"
 ///
-/// The first character alone decides what a line is. Nothing is trimmed, quoted or continued; a
-/// key line cannot begin with a blank, and keys before the first header have the empty group.
+/// The first character alone decides what a line is. Nothing is trimmed, quoted or continued; keys
+/// before the first header have the empty group.
 ///
 /// A bad line is logged at the error level, sets the file's `failed` flag, and yields no entry;
 /// reading goes on after it. Each message ends in " (N): 'LINE'" behind the path, N being the one
@@ -75,8 +77,9 @@ private:
     LineReader reader_;
     ConfigFile* file_;           // not owned
     std::int64_t position_ = 0;  // where the line read last begins, or the end of the file
-    std::int32_t lineNumber_ = 0;
-    bool isExhausted_ = false;  // the last line had no line feed, or reading failed
+    std::uint32_t lineNumber_ = 0;
+    bool isExhausted_ = false;   // the last line had no line feed
+    bool isUnreadable_ = false;  // the file could not be opened, or reading failed
     bool hasEntry_ = false;
     std::string group_;
     // The entry's parts stand in the reader's buffer, and in kept_ once the buffer goes on.

@@ -161,8 +161,8 @@ public:
     /// nothing may follow it: "12 " is 12 and not ok, a text without a number is 0, and a number
     /// out of range is the type's limit.
     ///
-    /// References that lead in a circle, or to more than 33 values, resolve to an empty text and
-    /// are logged as "Max depth reached, possibly circular reference." at the error level. A
+    /// References that lead in a circle, or to more than 32 other values, resolve to an empty text
+    /// and are logged as "Max depth reached, possibly circular reference." at the error level. A
     /// reference whose position lies past the end of its text throws `std::out_of_range`.
     void getValue(const std::string& group, const std::string& key, std::string& value) const;
     void getValue(const std::string& group, const std::string& key,

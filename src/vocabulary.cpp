@@ -9,8 +9,9 @@ const std::string kDefaultConfigDirectory = "/etc/tarnwick.conf.d";
 const std::string kDefaultInstance = "default";
 const std::string kPermittedNameCharacters(kNameCharacters);
 
-// The names that reading configuration takes. The others stand in a file of their own, which a
-// program that does not name them leaves out: each costs its construction at every start.
+// The groups, and the keys that tell whose configuration it is. The other names stand in a file of
+// their own, which a program that does not name them leaves out: each costs its construction at
+// every start.
 #define TARNWICK_DEFINE_GROUP(name) const std::string kGroup##name = #name;
 #define TARNWICK_DEFINE_KEY(name) const std::string kKey##name = #name;
 TARNWICK_GROUPS(TARNWICK_DEFINE_GROUP)

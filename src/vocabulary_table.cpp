@@ -1,4 +1,4 @@
-// The names that this library does not use itself, and the table of all of them.
+// The keys and values that reading configuration does without, and the table of all names.
 
 #include <array>
 

@@ -23,13 +23,14 @@ namespace Tarnwick::Parser::Tool {
                               std::int32_t* baseUid);
 
 /// Returns the uid of the seat0 user, waiting for one to log in. A time-out of 0 means one look
-/// without waiting, a negative one a wait without limit. Returns -1 when there is none in time,
-/// the login service cannot be watched, or a signal ends the wait; errno then tells the cause as
-/// far as there is one: that of the last look, or of the wait itself.
+/// without waiting, a negative one a wait without limit; a login service that cannot be watched is
+/// logged as "Could not create login monitor" and also means one look. Returns -1 when there is
+/// none in time or a signal ends the wait; errno then tells the cause as far as there is one: that
+/// of the last look, or of the wait itself.
 [[nodiscard]] std::int32_t waitForSeat0User(int timeoutSeconds);
 
 /// Returns the uid of seat0's active session, or else of its only session; -1 when there is no
-/// such session, several but none active, or no login service. Sets errno.
+/// such session, several but none active, or no login service; errno then tells the cause.
 [[nodiscard]] std::int32_t getSeat0User();
 
 }  // namespace Tarnwick::Parser::Tool

@@ -11,7 +11,7 @@ struct sd_login_monitor;
 namespace Tarnwick::Parser::Tool {
 
 // The part of sd-login(3) that the tool calls. libsystemd is opened at the first call; where it is
-// not installed, every call fails with -ENOSYS, as it would without the login service.
+// not installed, every call fails, those that return a number with -ENOSYS.
 
 /// `sd_seat_get_active(3)` without the session: a negative errno, or 0 and `uid`.
 [[nodiscard]] int seatGetActive(const char* seat, uid_t& uid);

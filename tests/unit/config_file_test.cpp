@@ -185,6 +185,27 @@ TEST_F(ConfigFileReading, FailsWithoutAWordOnWhatCannotBeRead) {
     EXPECT_EQ(log_.take(), "");
 }
 
+TEST_F(ConfigFileReading, YieldsTheWholeLinesBeforeAReadThatFails) {
+    ConfigFile file(directory_.write("failing.conf", "a=1\nb=cut off"));
+    ConfigFileIterator entry(file);
+    EXPECT_EQ(shown(entry), "|a|1");
+    EXPECT_FALSE(file.failed);
+    ++entry;
+    EXPECT_FALSE(entry.hasEntry());
+    EXPECT_TRUE(file.failed);
+}
+
+TEST_F(ConfigFileReading, FailsAnewAtEveryAdvanceOnWhatCannotBeRead) {
+    for (const std::string& path :
+         {directory_.path("missing"), directory_.write("failing.conf", "")}) {
+        ConfigFile file(path);
+        ConfigFileIterator entry(file);
+        file.failed = false;
+        ++entry;
+        EXPECT_TRUE(file.failed) << path;
+    }
+}
+
 TEST_F(ConfigFileReading, NeverClearsTheFailure) {
     write("a=1\n").failed = true;
     const ConfigFileIterator entry(file_);

@@ -156,9 +156,9 @@ TEST_F(ConfigWriting, DoesNothingMoreOnceAWriteFailed) {
 TEST_F(ConfigWriting, KeepsToTheClassicLocale) {
     const Testing::ForeignLocaleScope scope;
     ConfigWriter writer(path_, false);
-    writer.writeKeyValue("Key", true);
+    writer.writeKeyValue("key", true);
     writer.writeKeyValue("Number", "1000000");
-    EXPECT_EQ(written(), "Key=true\nNumber=1000000\n");
+    EXPECT_EQ(written(), "key=true\nNumber=1000000\n");
 }
 
 }  // namespace

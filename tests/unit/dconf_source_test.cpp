@@ -212,6 +212,22 @@ TEST(ReadDconf, YieldsNothingWithoutAClientAndStillRestoresTheEnvironment) {
     EXPECT_EQ(readThroughStandIn(0, "/before"), "; after '/before'");
 }
 
+TEST(ReadDconf, WarnsOfAValueWithoutAType) {
+    const Testing::EnvironmentScope scope("TARNWICK_UNIT_NO_TYPE", "1");
+    const std::string text = Testing::textFromChild([] {
+        Testing::CapturedLog log;
+        dlopen(TARNWICK_DCONF_STAND_IN, RTLD_NOW);
+        const std::string value = readDconf("/k", -1);
+        return value + log.take();
+    });
+    EXPECT_EQ(text, "WARNING: Unsupported GVariant type '(null)'\n");
+}
+
+TEST(ReadDconf, YieldsNothingForAStringThatIsNull) {
+    const Testing::EnvironmentScope scope("TARNWICK_UNIT_NO_TEXT", "1");
+    EXPECT_EQ(readThroughStandIn(0, "/before"), "; after '/before'");
+}
+
 TEST(ReadDconf, YieldsNothingWithoutTheClientLibrarysFunctions) {
     const std::string text = Testing::textFromChild([] {
         dlopen(TARNWICK_DCONF_WITHOUT_FUNCTIONS, RTLD_NOW);

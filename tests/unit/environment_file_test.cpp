@@ -112,6 +112,14 @@ TEST_F(EnvironmentFile, ReportsAFileThatCannotBeReadAndNotTheVariable) {
     }
 }
 
+TEST_F(EnvironmentFile, GivesWhatItHasWhenItCannotBeReadToItsEndButReportsThat) {
+    const std::string path = directory_.write("failing.env", "NAME=found\nNAME=cut off");
+    EXPECT_EQ(readEnvFile(path, "NAME", true), "found");
+    EXPECT_EQ(readEnvFile(path, "MISSING", true), std::nullopt);
+    const std::string record = "ERROR: Reading environment file '" + path + "' failed\n";
+    EXPECT_EQ(log_.take(), record + record);
+}
+
 TEST_F(EnvironmentFile, ReportsNothingWhenTheVariableIsFound) {
     valueIn("NAME=x\n");
     EXPECT_EQ(readEnvFile(path(), "NAME", true), "x");

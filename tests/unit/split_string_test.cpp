@@ -89,6 +89,7 @@ TEST(SplitString, CountsAPieceThatIsLeftOutAsEmpty) {
           {
               {"a::b:c", {"a", "b:c"}},
               {"::b:c", {"b:c"}},
+              {"a:b:\nc", {"a", "b"}},
               {"a:b:c:d", {"a", "b", "c:d"}},
           });
 }

@@ -98,6 +98,7 @@ TEST(ParseInt, GivesZeroForTextWithoutANumber) {
 TEST(ParseInt, GivesTheLimitOnOverflow) {
     const Rows<int> rows{
         {"2147483648", INT_MAX, false},
+        {"0x80000000", INT_MAX, false},
         {"-2147483649", INT_MIN, false},
         {"99999999999999999999999", INT_MAX, false},
     };
@@ -109,6 +110,7 @@ TEST(ParseLongLong, ReadsTheWholeRange) {
         {"9223372036854775807", LLONG_MAX, true},
         {"-9223372036854775808", LLONG_MIN, true},
         {"0x1F", 31, true},
+        {"0x80000000", 2147483648, true},
         {"0X1F", 0, false},
         {"-0x10", 0, false},
         {"9223372036854775808", LLONG_MAX, false},

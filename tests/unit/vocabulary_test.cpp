@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <functional>
-#include <map>
+#include <iterator>
 #include <vector>
 
 namespace Tarnwick::Parser {

@@ -1,5 +1,7 @@
 #include "logging/logger_config.h"
 
+#include <mutex>
+#include <system_error>
 #include <thread>
 
 #include "logging/logger_fixture.h"
@@ -67,6 +69,11 @@ TEST_F(Loggers, AreKeptInTheOrderOfTheirCreation) {
 TEST_F(Loggers, LiveOnWithoutTheirOwner) {
     newLogger("test.Orphan");
     EXPECT_NE(LoggerConfig::findLogger("test.Orphan"), nullptr);
+}
+
+TEST_F(Loggers, PassOnWhatALockReports) {
+    const std::lock_guard<std::shared_mutex> held(registryLock);
+    EXPECT_THROW((void)LoggerConfig::findLogger("test.any"), std::system_error);
 }
 
 TEST_F(Loggers, IncludeTheParsersLoggerFromTheStart) {

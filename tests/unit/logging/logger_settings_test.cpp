@@ -112,6 +112,29 @@ TEST_F(LoggerSettings, SetTheLevelBeforeTheTarget) {
     EXPECT_EQ(own_->target(), LoggerConfig::TargetFile);
 }
 
+TEST_F(LoggerSettings, SetTheLoggersInTheOrderOfTheirCreation) {
+    const std::string laterIdentity = newIdentity();
+    const LoggerPointer later = newLogger(laterIdentity);
+    configure(laterIdentity + "=late;" + identity_ + "=early");
+    EXPECT_EQ(errors_.take(),
+              "ERROR: Invalid logging level 'early'\nERROR: Invalid logging level 'late'\n");
+}
+
+TEST_F(LoggerSettings, TakeTheWholeTextForTheTarget) {
+    configure(std::nullopt, "stdout;x");
+    EXPECT_TRUE(errors_.take().ends_with("ERROR: Invalid logging target 'stdout;x'\n"));
+    EXPECT_EQ(own_->target(), LoggerConfig::TargetStderr);
+}
+
+TEST_F(LoggerSettings, SetTheConfiguredLevelBeforeTheConfiguredTarget) {
+    const std::string path = directory_.path("log");
+    set(identity_, "bad");
+    set("LogTarget", path);
+    configure(std::nullopt);
+    EXPECT_EQ(errors_.take(), "ERROR: Invalid logging level 'bad' from config\n");
+    EXPECT_EQ(Testing::contentOf(path), "");
+}
+
 TEST_F(LoggerSettings, OpenAFileTargetForEveryLogger) {
     const std::string path = directory_.path("log");
     configure(std::nullopt, path);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <cwchar>
 #include <locale>
 #include <optional>
 #include <string>
@@ -39,12 +41,13 @@ private:
     std::optional<std::string> saved_;
 };
 
-/// Makes the global locale one that groups digits, swaps point and comma and has its own words
-/// for true and false.
+/// Makes the global locale one that groups digits, swaps point and comma, has its own words for
+/// true and false, and writes the letter k to files as c.
 class ForeignLocaleScope {
 public:
     ForeignLocaleScope()
-        : saved_(std::locale::global(std::locale(std::locale::classic(), new Numbers))) {}
+        : saved_(std::locale::global(
+              std::locale(std::locale(std::locale::classic(), new Numbers), new Letters))) {}
     ~ForeignLocaleScope() { std::locale::global(saved_); }
     ForeignLocaleScope(const ForeignLocaleScope&) = delete;
     ForeignLocaleScope& operator=(const ForeignLocaleScope&) = delete;
@@ -56,6 +59,17 @@ private:
         std::string do_grouping() const override { return "\3"; }
         std::string do_truename() const override { return "wahr"; }
         std::string do_falsename() const override { return "falsch"; }
+    };
+
+    struct Letters : std::codecvt<char, char, std::mbstate_t> {
+        bool do_always_noconv() const noexcept override { return false; }
+        result do_out(std::mbstate_t&, const char* from, const char* fromEnd, const char*& fromNext,
+                      char* to, char* toEnd, char*& toNext) const override {
+            const auto size = std::min(fromEnd - from, toEnd - to);
+            fromNext = from + size;
+            toNext = std::replace_copy(from, fromNext, to, 'k', 'c');
+            return fromNext == fromEnd ? ok : partial;
+        }
     };
 
     std::locale saved_;

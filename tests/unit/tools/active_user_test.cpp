@@ -266,6 +266,18 @@ TEST_F(UserResolution, ReadsGeneratedNumbersAsFarAsTheyGo) {
     EXPECT_EQ(baseUid_, 12);
 }
 
+TEST_F(UserResolution, LooksTheGeneratedKeysUpInAFixedOrder) {
+    writeGenerated(
+        "Instance=${config:A/Instance}\nUser=${config:A/User}\nHome=${config:A/Home}\n"
+        "UserId=0${config:A/UserId}\nBaseUid=1${config:A/BaseUid}\n");
+    EXPECT_EQ(resolve(), 0);
+    std::string records;
+    for (const char* key : {"BaseUid", "UserId", "Home", "Instance", "User"}) {
+        records += "WARNING: A/" + std::string(key) + " has not been added to the parser\n";
+    }
+    EXPECT_EQ(log_.take(), records);
+}
+
 TEST_F(UserResolution, TakesTheLastGeneratedValue) {
     writeGenerated("UserId=7\nUserId=8;0\nUser=u\nHome=/h\nBaseUid=1\n");
     EXPECT_EQ(resolve(), 0);
