@@ -38,33 +38,41 @@ ConfigFileIterator& ConfigFileIterator::operator++() {
 
 void ConfigFileIterator::readToNextEntry() {
     hasEntry_ = false;
-    while (!isExhausted_ && !isUnreadable_ && !hasEntry_) {
+    while (!hasEntry_) {
         const std::int64_t lineStart = reader_.offset();
         std::string_view line;
-        const LineReader::Outcome outcome = nextLine(line);
-        if (outcome == LineReader::Outcome::Failure) {
-            isUnreadable_ = true;
-            break;
-        }
-        position_ = lineStart;
-        if (outcome == LineReader::Outcome::EndOfFile) {
+        if (!reader_.takeHeld(line) && !readOn(line)) {
             return;
         }
-        isExhausted_ = outcome == LineReader::Outcome::UnterminatedLine;
+        position_ = lineStart;
         ++lineNumber_;
         readLine(line);
     }
-    if (isUnreadable_) {
-        file_->failed = true;  // again at every advance, should the caller have cleared it
-    }
 }
 
-LineReader::Outcome ConfigFileIterator::nextLine(std::string_view& line) {
-    if (reader_.takeHeld(line)) {
-        return LineReader::Outcome::Line;
+// Reads a line that the buffer does not hold whole. Returns whether there was one.
+bool ConfigFileIterator::readOn(std::string_view& line) {
+    if (isExhausted_) {
+        return false;
     }
     keepEntry();
-    return reader_.readOn(line);
+    const LineReader::Outcome outcome =
+        isUnreadable_ ? LineReader::Outcome::Failure : reader_.readOn(line);
+    switch (outcome) {
+        case LineReader::Outcome::Line:
+            return true;
+        case LineReader::Outcome::UnterminatedLine:
+            isExhausted_ = true;
+            return true;
+        case LineReader::Outcome::EndOfFile:
+            position_ = reader_.offset();
+            return false;
+        case LineReader::Outcome::Failure:
+            isUnreadable_ = true;
+            file_->failed = true;
+            return false;
+    }
+    return false;
 }
 
 // The accessors go on showing the last entry when no other follows.
@@ -102,6 +110,7 @@ void ConfigFileIterator::readGroup(std::string_view line) {
         return;
     }
     group_ = name;
+    groupLine_ = lineNumber_;
 }
 
 void ConfigFileIterator::readKey(std::string_view line) {

@@ -53,6 +53,8 @@ public:
     [[nodiscard]] bool hasEntry() const { return hasEntry_; }
 
     [[nodiscard]] const std::string& group() const { return group_; }
+    /// The line of the header that named the group, counted from 1; 0 before the first header.
+    [[nodiscard]] std::uint32_t groupLine() const { return groupLine_; }
     /// Valid until the next advance.
     [[nodiscard]] std::string_view key() const { return key_; }
     [[nodiscard]] std::string_view value() const { return value_; }
@@ -67,7 +69,7 @@ private:
     ConfigFileIterator(ConfigFile& file, AtEnd);
 
     void readToNextEntry();
-    [[nodiscard]] LineReader::Outcome nextLine(std::string_view& line);
+    [[nodiscard]] bool readOn(std::string_view& line);
     void keepEntry();
     void readLine(std::string_view line);
     void readGroup(std::string_view line);
@@ -82,6 +84,7 @@ private:
     bool isUnreadable_ = false;  // the file could not be opened, or reading failed
     bool hasEntry_ = false;
     std::string group_;
+    std::uint32_t groupLine_ = 0;
     // The entry's parts stand in the reader's buffer, and in kept_ once the buffer goes on.
     std::string_view key_;
     std::string_view value_;

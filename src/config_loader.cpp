@@ -36,22 +36,22 @@ public:
           takesGroup_(data.registersGroup("")) {}
 
     /// Returns the key's mode as a number, or -1 for a key that is not taken.
-    [[nodiscard]] std::int32_t modeOf(const std::string& group, std::string_view key) {
+    [[nodiscard]] std::int32_t modeOf(const ConfigFileIterator& entry) {
         if (takesEveryKey_) {
             return static_cast<std::int32_t>(KeyMode::Append);
         }
-        if (group != group_) {
-            group_ = group;
-            takesGroup_ = data_.registersGroup(group);
+        if (entry.groupLine() != groupLine_) {
+            groupLine_ = entry.groupLine();
+            takesGroup_ = data_.registersGroup(entry.group());
         }
-        return takesGroup_ ? parser_.keyMode(group, std::string(key)) : -1;
+        return takesGroup_ ? parser_.keyMode(entry.group(), std::string(entry.key())) : -1;
     }
 
 private:
     const ConfigParser& parser_;
     const ConfigParserData& data_;
     bool takesEveryKey_;
-    std::string group_;  // the group of the last key; every file begins with the empty one
+    std::uint32_t groupLine_ = 0;  // of the last key; every file begins with the empty group
     bool takesGroup_;
 };
 
@@ -123,7 +123,7 @@ bool ConfigParser::loadFile(const std::string& path) {
     ConfigFile file(path);
     KeyFilter filter(*this, *data_);
     for (ConfigFileIterator entry(file); entry.hasEntry() && !file.failed; ++entry) {
-        const std::int32_t mode = filter.modeOf(entry.group(), entry.key());
+        const std::int32_t mode = filter.modeOf(entry);
         if (mode == -1) {
             continue;
         }

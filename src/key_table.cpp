@@ -46,6 +46,12 @@ void KeyTable::erase(std::string_view key) {
     }
 }
 
+std::string_view KeyTable::copyOf(std::string_view text, std::pmr::memory_resource* arena) {
+    auto* const copy = static_cast<char*>(arena->allocate(text.size(), 1));
+    text.copy(copy, text.size());
+    return {copy, text.size()};
+}
+
 // The slot of the key, or the free one where it belongs. At least half of the slots are free.
 std::size_t KeyTable::locate(std::string_view key, std::uint32_t hash) const {
     std::size_t index = home(hash);

@@ -32,9 +32,10 @@ public:
 
 private:
     struct Entry {
-        Entry(std::string_view name, std::pmr::memory_resource* arena) : key(name), values(arena) {}
+        Entry(std::string_view name, std::pmr::memory_resource* arena)
+            : key(copyOf(name, arena)), values(arena) {}
 
-        std::string key;
+        std::string_view key;  // in the arena
         ValueList values;
     };
 
@@ -45,6 +46,8 @@ private:
     };
     static constexpr std::uint32_t kFree = (1U << 31U) - 1;
 
+    [[nodiscard]] static std::string_view copyOf(std::string_view text,
+                                                 std::pmr::memory_resource* arena);
     [[nodiscard]] std::size_t locate(std::string_view key, std::uint32_t hash) const;
     [[nodiscard]] std::size_t home(std::uint32_t hash) const { return hash & (slots_.size() - 1); }
     void grow();
