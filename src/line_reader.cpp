@@ -9,6 +9,8 @@
 namespace Tarnwick::Parser {
 namespace {
 
+static_assert(sizeof(off_t) == 8);  // Files may be larger than 2 GiB.
+
 constexpr std::size_t kFirstCapacity = 32 * 1024;
 
 ssize_t readSome(int descriptor, char* buffer, std::size_t size) {

@@ -139,6 +139,12 @@ def test_a_faulty_file_keeps_later_directories_from_being_read(tmp_path):
     assert outcome == (1, b"", fault + load_failure("a/x.conf"))
 
 
+def test_a_file_from_after_2038_is_read(directory, ask):
+    (directory / "a.conf").write_text(one_key("later"))
+    os.utime(directory / "a.conf", (2**32, 2**32))
+    assert ask({}) == (0, lines("later"), b"")
+
+
 def test_a_path_in_a_message_is_the_directory_as_given_with_one_slash(tmp_path):
     write_files(tmp_path, {"a/x.conf": "=\n"})
     outcome = request("--config", "./a/", "--user-id", "0", "--key", "K", cwd=tmp_path)

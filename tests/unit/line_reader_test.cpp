@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <vector>
 
@@ -105,6 +106,16 @@ TEST_F(LineReading, SkipsToTheEndOfTheFile) {
     EXPECT_EQ(reader.offset(), 13);
     EXPECT_EQ(reader.next(line), Outcome::EndOfFile);
     EXPECT_EQ(LineReader(directory_.path("missing")).skipToEnd(), -1);
+}
+
+TEST_F(LineReading, CountsBeyondWhat32BitsHold) {
+    const std::string path = directory_.write("file", "one\n");
+    const std::uint64_t size = std::uint64_t{5} << 30U;
+    std::filesystem::resize_file(path, size);  // a hole, which takes no room
+    LineReader reader(path);
+    std::string_view line;
+    EXPECT_EQ(reader.next(line), Outcome::Line);
+    EXPECT_EQ(reader.skipToEnd(), static_cast<std::int64_t>(size));
 }
 
 TEST_F(LineReading, FindsWhatIsAddedToAFileAfterItsEnd) {
