@@ -169,9 +169,11 @@ def environment_for(directory, tool_command, build):
 
 
 def wrapper_line(tool_command):
-    if len(tool_command) == 1:
-        return f'exec -a tarnwick-parse-config {shlex.quote(tool_command[0])} "$@"'
-    return f'exec {shlex.join(tool_command)} "$@"'
+    *emulator, tool = tool_command
+    if not emulator:
+        return f'exec -a tarnwick-parse-config {shlex.quote(tool)} "$@"'
+    name = ["-0", "tarnwick-parse-config"]  # the emulator's own way to give it
+    return f'exec {shlex.join([*emulator, *name, tool])} "$@"'
 
 
 def run_example(example, directory, tool_command, build=None):
