@@ -65,7 +65,8 @@ concept RecordNumber = std::same_as<T, short> || std::same_as<T, int> || std::sa
 /// Writing leaves errno as it was.
 ///
 /// Threads: a record belongs to the thread that made it. It points at its logger's file, so no
-/// thread may change that logger's target while the record exists.
+/// thread may change that logger's target while the record exists, and no two threads may let
+/// records of one logger with a file target end at the same time: the file has no lock.
 class TARNWICK_API LogRecord {
 public:
     /// Starts a record for `logger`, which may be null. `logError` and its like are shorter.

@@ -25,7 +25,10 @@ struct LoggerState;
 /// logger's. A record, however, copies its logger's target and stream without holding the lock
 /// (see `LogRecord`), so change the target of a logger only while no other thread makes or
 /// destroys records of that logger: settle targets before threads start. Levels may change at
-/// any time. A lock that reports a deadlock throws `std::system_error`.
+/// any time. The standard streams and the journal may be written to from many threads; of a
+/// logger with a file target only one thread at a time may let records end, or call what may
+/// report through it (`create` once more, a setter that refuses). A lock that reports a deadlock
+/// throws `std::system_error`.
 ///
 /// A setter that refuses says so in an error record through the logger itself, at its level and
 /// to its target as they are at that moment.
