@@ -19,13 +19,13 @@ void fillClosedDescriptors() {
 void ignoreSignal(int) {}
 
 // A handler, not SIG_IGN: handlers go back to the default action in the commands that are run.
-void survivePipes() {
+void survive(int signal) {
     struct sigaction action = {};
-    sigaction(SIGPIPE, nullptr, &action);
+    sigaction(signal, nullptr, &action);
     if (action.sa_handler == SIG_DFL) {
         action.sa_handler = ignoreSignal;
         action.sa_flags = SA_RESTART;
-        sigaction(SIGPIPE, &action, nullptr);
+        sigaction(signal, &action, nullptr);
     }
 }
 
@@ -33,7 +33,8 @@ void survivePipes() {
 
 void prepareProcess() {
     fillClosedDescriptors();
-    survivePipes();
+    survive(SIGPIPE);
+    survive(SIGXFSZ);
 }
 
 }  // namespace Tarnwick::Parser::Tool

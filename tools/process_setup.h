@@ -6,8 +6,9 @@ namespace Tarnwick::Parser::Tool {
 ///
 /// - Standard descriptors that are closed are filled, so that no file opened later takes their
 ///   number and receives the value or a log record. Writing to a filled one still fails.
-/// - A pipe whose reader is gone makes writing fail instead of ending the process. Commands that
-///   the process runs keep the usual behaviour.
+/// - A pipe whose reader is gone, and a file that has reached the limit on its size, make writing
+///   fail instead of ending the process. Commands that the process runs keep the usual behaviour,
+///   and so does a process whose caller ignores the signal.
 void prepareProcess();
 
 }  // namespace Tarnwick::Parser::Tool

@@ -2,11 +2,16 @@
 
 import os
 import shutil
+import subprocess
 
 import naive_tool
 from support.tool import run_tool
 
 LEVELS = {None: 2, b"debug": 4, b"Critical": 0, b"ERROR": 1, b"3": 3, b"0x4": 4}
+
+# A case takes milliseconds, and shrinking one that hangs waits this long for each thing taken away.
+TIME_LIMIT_SECONDS = 20
+HANGS = subprocess.CompletedProcess([], "hangs", b"", b"")
 
 
 def write_case(case, root):
@@ -50,8 +55,13 @@ def expected_answer(case, root):
 
 
 def tool_answer(case, root):
+    """How the tool's run ended; one without an end is an answer of its own."""
     environment = {os.fsdecode(name): os.fsdecode(text) for name, text in case.environment.items()}
-    return run_tool(*map(os.fsdecode, arguments_of(case)), env=environment, cwd=root)
+    arguments = map(os.fsdecode, arguments_of(case))
+    try:
+        return run_tool(*arguments, env=environment, cwd=root, timeout=TIME_LIMIT_SECONDS)
+    except subprocess.TimeoutExpired:
+        return HANGS
 
 
 def difference(case, root):

@@ -1,14 +1,15 @@
 """The generated cases are worth running: they reach every outcome, and a tool with any one of a
-list of mistakes would have been caught. No tool is run here."""
+list of mistakes would have been caught. The tool itself is not run here."""
 
 import collections
 import os
 import tempfile
+from dataclasses import replace
 
 import pytest
 
 import naive_tool
-from comparing import agrees, expected_answer, is_critical_record, write_case
+from comparing import agrees, difference, expected_answer, is_critical_record, write_case
 from generator import make_case
 from shrink import shrink
 from types import SimpleNamespace
@@ -148,6 +149,25 @@ def test_a_critical_record_is_one_line_that_names_the_place():
     assert not is_critical_record(b"CRITICAL: text in f, A\n", [b"f", b"A", b"K"])
     assert not is_critical_record(b"CRITICAL: A K\nERROR: more\n", [b"A", b"K"])
     assert not is_critical_record(b"", [])
+
+
+def test_a_tool_that_hangs_differs_and_its_case_is_shrunk(tmp_path, monkeypatch):
+    tool = tmp_path / "tool"
+    tool.write_text("#!/bin/sh\ngrep -rqs endless d2 && exec sleep 1000\nprintf 'end\\n'\n")
+    tool.chmod(0o755)
+    monkeypatch.setattr("support.tool.TOOL", str(tool))
+    monkeypatch.setattr("support.tool.EMULATOR", [])
+    monkeypatch.setattr("comparing.TIME_LIMIT_SECONDS", 2)
+    root = os.fsencode(tmp_path / "case")
+    files = {b"d2/a.conf": b"[A]\nK=endless\nK=end\n"}
+    case = replace(make_case("tarnwick:3"), files=files, directories=[b"d2"], group=b"A", key=b"K", list_all=False)
+    assert "('hangs', b'', b'')" in difference(case, root)
+    smallest = shrink(replace(case, links={}, environment={}), lambda smaller: hangs(smaller, root))
+    assert smallest.files == {b"d2/a.conf": b"K=endless"}
+
+
+def hangs(case, root):
+    return "'hangs'" in (difference(case, root) or "")
 
 
 def test_shrinking_keeps_only_what_makes_the_case_fail():

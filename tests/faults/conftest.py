@@ -9,6 +9,7 @@ from pathlib import Path
 import pytest
 
 from support.tool import EMULATOR, TOOL
+from watching import close_sessions
 
 
 def pytest_configure(config):
@@ -25,12 +26,16 @@ def pytest_collection_modifyitems(items):
 
 @pytest.fixture
 def place():
-    """An empty directory that every user of the machine may enter; `d` in it is for files."""
+    """An empty directory that every user of the machine may enter; `d` in it is for files. What the
+    test starts there leaves neither processes nor files behind."""
     directory = Path(os.path.realpath(tempfile.mkdtemp(prefix="faults-")))
     directory.chmod(0o755)
     (directory / "d").mkdir()
     yield directory
-    shutil.rmtree(directory)
+    try:
+        close_sessions()
+    finally:
+        shutil.rmtree(directory)
 
 
 @pytest.fixture

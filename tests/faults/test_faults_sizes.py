@@ -6,7 +6,7 @@ for a noisy machine; a cost that grows with the square of the size is far outsid
 
 import pytest
 
-from watching import MEGABYTE, run
+from watching import MEGABYTE, SMALL, run
 
 ASK = ("--config", "d", "--key", "K")
 
@@ -15,6 +15,9 @@ COPIES_OF_A_LINE = 10
 BYTES_PER_PIECE = 600
 BYTES_PER_KEY = 1500
 BASE_BYTES = 100 * MEGABYTE
+
+# Of the processor time: what the largest input of a shape may take, twenty times what any does.
+CPU_SECONDS_OF_THE_LARGEST = 60
 ROOM_FOR_NOISE = 4
 
 
@@ -87,8 +90,10 @@ SHAPES = {
 
 
 def answer(place, shape, size, *options):
-    SHAPES[shape][0](place, size)
-    outcome = run(*ASK, *options, place=place, small=False)
+    write, _, largest, bytes_per_unit = SHAPES[shape]
+    write(place, size)
+    bounds = SMALL.plus(CPU_SECONDS_OF_THE_LARGEST * size / largest, bytes_per_unit * size)
+    outcome = run(*ASK, *options, place=place, bounds=bounds)
     assert (outcome.status, outcome.stderr) == (0, b"")
     return outcome
 

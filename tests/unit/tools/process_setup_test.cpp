@@ -2,13 +2,16 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "support/child_process.h"
 
@@ -76,24 +79,53 @@ TEST(ProcessSetup, SurvivesAPipeWithoutAReader) {
     EXPECT_EQ(text, std::strerror(EPIPE));
 }
 
-TEST(ProcessSetup, LetsCommandsEndByAPipeWithoutAReader) {
+std::string writeToFileThatMayNotGrow() {
+    const rlimit nothing = {0, 0};
+    std::FILE* const file = std::tmpfile();
+    if (file == nullptr || setrlimit(RLIMIT_FSIZE, &nothing) != 0) {
+        return "no limited file";
+    }
+    return errorOf(write(fileno(file), "x", 1));
+}
+
+TEST(ProcessSetup, SurvivesAFileThatMayNotGrow) {
     const std::string text = Testing::textFromChild([] {
-        std::signal(SIGPIPE, SIG_DFL);
+        std::signal(SIGXFSZ, SIG_DFL);
         prepareProcess();
-        const int status = std::system("kill -PIPE $$");
-        return std::string(WIFSIGNALED(status) ? "ended by the signal" : "went on");
+        return writeToFileThatMayNotGrow();
+    });
+    EXPECT_EQ(text, std::strerror(EFBIG));
+}
+
+class SurvivedSignal : public testing::TestWithParam<int> {};
+
+TEST_P(SurvivedSignal, StillEndsTheCommandsThatAreRun) {
+    const std::string text = Testing::textFromChild([] {
+        std::signal(GetParam(), SIG_DFL);
+        prepareProcess();
+        const std::string command = "kill -" + std::to_string(GetParam()) + " $$";
+        const int status = std::system(command.c_str());
+        const bool isEnded = WIFSIGNALED(status) && WTERMSIG(status) == GetParam();
+        return std::string(isEnded ? "ended by the signal" : "went on");
     });
     EXPECT_EQ(text, "ended by the signal");
 }
 
-TEST(ProcessSetup, LeavesAnIgnoredSignalIgnored) {
+TEST_P(SurvivedSignal, StaysIgnoredWhenItWas) {
     const std::string text = Testing::textFromChild([] {
-        std::signal(SIGPIPE, SIG_IGN);
+        std::signal(GetParam(), SIG_IGN);
         prepareProcess();
-        return std::string(std::signal(SIGPIPE, SIG_DFL) == SIG_IGN ? "ignored" : "handled");
+        return std::string(std::signal(GetParam(), SIG_DFL) == SIG_IGN ? "ignored" : "handled");
     });
     EXPECT_EQ(text, "ignored");
 }
+
+std::string signalName(const testing::TestParamInfo<int>& info) {
+    return sigabbrev_np(info.param);
+}
+
+INSTANTIATE_TEST_SUITE_P(ProcessSetup, SurvivedSignal, testing::Values(SIGPIPE, SIGXFSZ),
+                         signalName);
 
 }  // namespace
 }  // namespace Tarnwick::Parser::Tool
