@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "fill_holes.h"
 #include "logging/log_record.h"
 
 namespace Tarnwick::Parser {
@@ -14,6 +15,14 @@ const ReferenceBlock& blockOf(const ConfigValue& value) {
 
 std::unique_ptr<ReferenceBlock> copyOf(const std::unique_ptr<ReferenceBlock>& block) {
     return block ? std::make_unique<ReferenceBlock>(*block) : nullptr;
+}
+
+std::size_t totalSize(const std::vector<std::string_view>& texts) {
+    std::size_t size = 0;
+    for (const std::string_view text : texts) {
+        size += text.size();
+    }
+    return size;
 }
 
 }  // namespace
@@ -46,25 +55,31 @@ void ConfigValue::addReference(const std::string& group, const std::string& key,
 }
 
 std::string ConfigValue::applyReferences(const std::vector<std::string>& resolved) const {
-    if (!references) {
-        return text;
+    return fillHoles(*this, {resolved.begin(), resolved.end()});
+}
+
+std::string fillHoles(const ConfigValue& value, const std::vector<std::string_view>& texts) {
+    if (!value.references) {
+        return value.text;
     }
-    const std::vector<std::uint32_t>& positions = references->positions;
-    if (positions.size() != resolved.size()) {
+    const std::vector<std::uint32_t>& positions = value.references->positions;
+    if (positions.size() != texts.size()) {
         // The sizes appear as characters, not as digits; readers of the log depend on it.
         Logging::logWarning(Logging::parserLogger)
             << "ConfigValue references size " << static_cast<unsigned char>(positions.size())
-            << " mismatch with resolve list size " << static_cast<unsigned char>(resolved.size());
-        return text;
+            << " mismatch with resolve list size " << static_cast<unsigned char>(texts.size());
+        return value.text;
     }
-    std::string result = text;
+    std::string result;
+    result.reserve(value.text.size() + totalSize(texts));
+    result = value.text;
     std::size_t shift = 0;
-    for (std::size_t index = 0; index < resolved.size(); ++index) {
+    for (std::size_t index = 0; index < texts.size(); ++index) {
         if (positions[index] + shift > result.size()) {
             throw std::out_of_range("a reference stands past the end of its trimmed value");
         }
-        result.insert(positions[index] + shift, resolved[index]);
-        shift += resolved[index].size();
+        result.insert(positions[index] + shift, texts[index]);
+        shift += texts[index].size();
     }
     return result;
 }

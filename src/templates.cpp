@@ -12,6 +12,7 @@
 #include "config_parser.h"
 #include "config_parser_data.h"
 #include "environment_file.h"
+#include "fill_holes.h"
 #include "logging/log_record.h"
 #include "split_string.h"
 #include "trim.h"
@@ -186,39 +187,52 @@ public:
     Resolver(const ConfigParser& parser, const ConfigParserData& data)
         : parser_(parser), data_(data) {}
 
-    /// Sets `out` to the value's text. Returns false, and leaves `out` alone, after too many
-    /// visits.
-    [[nodiscard]] bool resolveStep(const ConfigValue& value, std::string& out) {
+    /// Returns the value's text: a view of the value, or of `room` when the text had to be put
+    /// together there; of a value of an unknown state, `room` as it was. Returns nothing after
+    /// too many visits.
+    [[nodiscard]] std::optional<std::string_view> resolve(const ConfigValue& value,
+                                                          std::string& room) {
         if (visits_ > kLastVisit) {
-            return false;
+            return std::nullopt;
         }
         ++visits_;
         if (value.hasReferences == 0) {
-            out = value.text;
-            return true;
+            return value.text;
         }
-        return value.hasReferences != 1 || insertReferences(value, out);
+        if (value.hasReferences == 1 && !insertReferences(value, room)) {
+            return std::nullopt;
+        }
+        return room;
     }
 
 private:
+    // All texts are found before any is inserted. Most are plain: what is stored is viewed.
     [[nodiscard]] bool insertReferences(const ConfigValue& value, std::string& out) {
-        std::vector<std::string> texts;
-        if (value.references) {
-            for (const auto& [group, key] : value.references->targets) {
-                const ConfigValue* target = currentValue(group, key);
-                std::string& text = texts.emplace_back();
-                if (target != nullptr && !resolveStep(*target, text)) {
-                    return false;
-                }
-            }
+        if (!value.references) {
+            out = value.text;
+            return true;
         }
-        out = value.applyReferences(texts);
+        const std::vector<Target>& targets = value.references->targets;
+        std::vector<std::string> rooms(targets.size());
+        std::vector<std::string_view> texts(targets.size());
+        for (std::size_t index = 0; index < targets.size(); ++index) {
+            const ConfigValue* target = currentValue(targets[index]);
+            if (target == nullptr) {
+                continue;
+            }
+            const std::optional<std::string_view> text = resolve(*target, rooms[index]);
+            if (!text) {
+                return false;
+            }
+            texts[index] = *text;
+        }
+        out = fillHoles(value, texts);
         return true;
     }
 
     // Null for a key that does not exist or holds no value: its hole stays empty.
-    [[nodiscard]] const ConfigValue* currentValue(const std::string& group,
-                                                  const std::string& key) const {
+    [[nodiscard]] const ConfigValue* currentValue(const Target& target) const {
+        const auto& [group, key] = target;
         parser_.checkKeyAdded(group, key);
         const ValueList* values = data_.find(group, key);
         return values == nullptr || values->empty() ? nullptr : &values->back();
@@ -284,9 +298,12 @@ bool ConfigParser::reparseValue(ConfigValue& value) const {
 }
 
 void ConfigParser::resolveValue(const ConfigValue& value, std::string& out) const {
-    if (!Resolver(*this, *data_).resolveStep(value, out)) {
+    const std::optional<std::string_view> text = Resolver(*this, *data_).resolve(value, out);
+    if (!text) {
         logError(parserLogger) << "Max depth reached, possibly circular reference.";
         out.clear();
+    } else if (text->data() != out.data()) {  // not put together there already
+        out = *text;
     }
 }
 

@@ -1,5 +1,6 @@
 """Runs programs and counts: time, memory, system calls, instructions, allocations."""
 
+import json
 import random
 import re
 import statistics
@@ -17,7 +18,7 @@ class Run(NamedTuple):
 
 
 class WrongAnswer(Exception):
-    """A program did not print the key's value, so its time would mean nothing."""
+    """A program did not find the key's value, so its time would mean nothing."""
 
 
 def run(arguments, environment):
@@ -74,6 +75,20 @@ def measure_interleaved(stopwatch, jobs, rounds):
     }
 
 
+def measure_micro(program, names, rounds):
+    """Micro benchmark name to the median of its processor time in seconds, of several runs in an
+    order drawn by lot."""
+    options = ["--benchmark_filter=^(" + "|".join(names) + ")$", "--benchmark_format=json",
+               f"--benchmark_repetitions={rounds}", "--benchmark_enable_random_interleaving=true"]
+    taken = {name: [] for name in names}
+    for found in json.loads(run([program, *options], {}).stdout)["benchmarks"]:
+        if found.get("error_occurred"):
+            raise WrongAnswer(f"{found['name']}: {found['error_message']}")
+        if found["run_type"] == "iteration":
+            taken[found["run_name"]].append(found["cpu_time"] * 1e-9)
+    return {name: statistics.median(times) for name, times in taken.items()}
+
+
 def count_system_calls(arguments, environment):
     with tempfile.NamedTemporaryFile("r") as table:
         run(["/usr/bin/strace", "-f", "-c", "-o", table.name, *arguments], environment)
@@ -92,6 +107,19 @@ def count_instructions(arguments, environment):
     """Instructions in user space, from the first of the dynamic linker to the exit."""
     options = ["--tool=callgrind", "--callgrind-out-file=/dev/null"]
     return count_with_valgrind(options, r"Collected : (\d+)", arguments, environment)
+
+
+def profile_instructions(arguments, environment):
+    """Yields instructions, their share in percent, and the function they are spent in, with all
+    that it calls; the dearest function first."""
+    with tempfile.NamedTemporaryFile("r") as profile:
+        output = f"--callgrind-out-file={profile.name}"
+        run(["/usr/bin/valgrind", "--tool=callgrind", output, *arguments], environment)
+        text = run(["/usr/bin/callgrind_annotate", "--inclusive=yes", profile.name],
+                   environment).stdout
+    line = re.compile(r"^ *([\d,]+) \( *([\d.]+)%\)  [^:\n]*:(.*?)(?: \[.*)?$", re.MULTILINE)
+    for number, percent, function in line.findall(text):
+        yield int(number.replace(",", "")), float(percent), function
 
 
 def count_allocations(arguments, environment):

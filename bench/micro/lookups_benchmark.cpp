@@ -1,43 +1,74 @@
 // Lookups by type, and what a value with references costs beside the bare store operations that
-// its references need.
+// its references need. A benchmark whose answer is wrong is skipped with an error.
 
 #include <benchmark/benchmark.h>
 
+#include <stdexcept>
+
 #include "config_parser.h"
+#include "config_parser_data.h"
 
 namespace Tarnwick::Parser {
 namespace {
 
 const std::string kGroup = "Config";
+const std::string kText = "a text of its own";
 
-std::string baseKey(std::int64_t number) {
-    return "Base" + std::to_string(number);
+std::vector<std::string> baseKeys(std::int64_t count) {
+    std::vector<std::string> keys;
+    for (std::int64_t number = 0; number < count; ++number) {
+        keys.push_back("Base" + std::to_string(number));
+    }
+    return keys;
 }
 
 void store(ConfigParser& parser, const std::string& key, const std::string& text) {
     ConfigValue value;
-    if (parser.parseTemplates(text, value)) {
-        parser.appendValue(kGroup, key, std::move(value));
+    if (!parser.parseTemplates(text, value)) {
+        throw std::invalid_argument(text);
     }
+    parser.appendValue(kGroup, key, std::move(value));
 }
 
-// "Drawn" refers to `references` other keys, each with a plain text.
-void storeReferences(ConfigParser& parser, std::int64_t references) {
+// "Drawn" refers to all of the keys, each with a plain text.
+void storeReferences(ConfigParser& parser, const std::vector<std::string>& keys) {
     std::string text;
-    for (std::int64_t number = 0; number < references; ++number) {
-        store(parser, baseKey(number), "a text of its own");
-        text += "${config:" + kGroup + '/' + baseKey(number) + "},";
+    for (const std::string& key : keys) {
+        store(parser, key, kText);
+        text += "${config:" + kGroup + '/' + key + "},";
     }
     store(parser, "Drawn", text);
 }
 
+std::string repeated(const std::string& text, std::int64_t times) {
+    std::string all;
+    for (std::int64_t count = 0; count < times; ++count) {
+        all += text;
+    }
+    return all;
+}
+
 template <typename T>
-void looksUp(benchmark::State& state, const std::string& text) {
+T valueOf(const ConfigParser& parser, const std::string& key) {
+    T value{};
+    parser.getValue(kGroup, key, value);
+    return value;
+}
+
+template <typename T>
+void expect(benchmark::State& state, const T& value, const T& expected) {
+    if (value != expected) {
+        state.SkipWithError("The value is wrong.");
+    }
+}
+
+template <typename T>
+void looksUp(benchmark::State& state, const std::string& text, const T& expected) {
     ConfigParser parser(0);
     store(parser, "Key", text);
+    expect(state, valueOf<T>(parser, "Key"), expected);
     for (auto _ : state) {
-        T value{};
-        parser.getValue(kGroup, "Key", value);
+        T value = valueOf<T>(parser, "Key");
         benchmark::DoNotOptimize(value);
     }
 }
@@ -52,38 +83,46 @@ void looksUpAListOfTexts(benchmark::State& state) {
     for (std::int64_t number = 0; number < state.range(0); ++number) {
         store(parser, "Key", "/dev/input/event" + std::to_string(number));
     }
+    expect(state, valueOf<std::vector<std::string>>(parser, "Key").size(),
+           static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {
-        std::vector<std::string> values;
-        parser.getValue(kGroup, "Key", values);
-        benchmark::DoNotOptimize(values.data());
+        benchmark::DoNotOptimize(valueOf<std::vector<std::string>>(parser, "Key").data());
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
 void resolvesReferences(benchmark::State& state) {
     ConfigParser parser(0);
-    storeReferences(parser, state.range(0));
+    storeReferences(parser, baseKeys(state.range(0)));
+    expect(state, valueOf<std::string>(parser, "Drawn"), repeated(kText + ',', state.range(0)));
     for (auto _ : state) {
-        std::string text;
-        parser.getValue(kGroup, "Drawn", text);
-        benchmark::DoNotOptimize(text.data());
+        benchmark::DoNotOptimize(valueOf<std::string>(parser, "Drawn").data());
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-void bareStoreOperations(benchmark::State& state) {
-    ConfigParser parser(0);
-    storeReferences(parser, state.range(0));
-    std::vector<std::string> keys;
-    for (std::int64_t number = 0; number < state.range(0); ++number) {
-        keys.push_back(baseKey(number));
-    }
-    for (auto _ : state) {
-        for (const std::string& key : keys) {
-            if (parser.hasKey(kGroup, key)) {
-                benchmark::DoNotOptimize(parser.valueList(kGroup, key).back().text.data());
-            }
+// What a value that refers to the keys cannot do without: for each one look for the key, and a
+// copy of its text into the result.
+std::string drawnTexts(const ConfigParserData& data, const std::vector<std::string>& keys) {
+    std::string text;
+    for (const std::string& key : keys) {
+        const ValueList* values = data.find(kGroup, key);
+        if (values != nullptr) {
+            text += values->back().text;
         }
+    }
+    return text;
+}
+
+void bareStoreOperations(benchmark::State& state) {
+    const std::vector<std::string> keys = baseKeys(state.range(0));
+    ConfigParserData data;
+    for (const std::string& key : keys) {
+        data.listOf(kGroup, key).emplace_back().text = kText;
+    }
+    expect(state, drawnTexts(data, keys), repeated(kText, state.range(0)));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(drawnTexts(data, keys).data());
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
@@ -91,15 +130,16 @@ void bareStoreOperations(benchmark::State& state) {
 void looksForAMissingKey(benchmark::State& state) {
     const ConfigParser parser(0);
     const std::string key = "Missing";
+    expect(state, parser.hasKey(kGroup, key), false);
     for (auto _ : state) {
         benchmark::DoNotOptimize(parser.hasKey(kGroup, key));
     }
 }
 
-BENCHMARK_CAPTURE(looksUpText, oneValue, std::string("/var/lib/storage"));
-BENCHMARK_CAPTURE(looksUpBool, oneValue, std::string("true"));
-BENCHMARK_CAPTURE(looksUpInt, oneValue, std::string("1234"));
-BENCHMARK_CAPTURE(looksUpDouble, oneValue, std::string("12.5"));
+BENCHMARK_CAPTURE(looksUpText, oneValue, "/var/lib/storage", std::string("/var/lib/storage"));
+BENCHMARK_CAPTURE(looksUpBool, oneValue, "true", true);
+BENCHMARK_CAPTURE(looksUpInt, oneValue, "1234", 1234);
+BENCHMARK_CAPTURE(looksUpDouble, oneValue, "12.5", 12.5);
 BENCHMARK(looksUpAListOfTexts)->Arg(10)->Arg(1000);
 BENCHMARK(looksForAMissingKey);
 BENCHMARK(bareStoreOperations)->Arg(1)->Arg(10)->Arg(30);

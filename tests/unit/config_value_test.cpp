@@ -166,6 +166,18 @@ TEST(ApplyReferences, InsertsEachTextAtItsPlaceInTheOriginalText) {
     EXPECT_EQ(withReferences("", {0}).applyReferences({"all"}), "all");
 }
 
+// A place is moved by all insertions before it in the list, also by those behind it in the text.
+TEST(ApplyReferences, MovesEachPlaceByAllEarlierInsertions) {
+    EXPECT_EQ(withReferences("xyz", {1, 0}).applyReferences({"1", "2"}), "x21yz");
+    EXPECT_EQ(withReferences("xyz", {2, 0}).applyReferences({"12", "-"}), "xy-12z");
+    EXPECT_EQ(withReferences("xyz", {3, 1, 2}).applyReferences({"12", "-", "!"}), "xyz-1!2");
+}
+
+TEST(ApplyReferences, InsertsTextsLongerThanTheValue) {
+    const std::string text(100, 'a');
+    EXPECT_EQ(withReferences("xy", {0, 1}).applyReferences({text, text}), text + 'x' + text + 'y');
+}
+
 TEST(ApplyReferences, LeavesTheValueAsItWas) {
     const ConfigValue value = withReferences("xy", {1});
     EXPECT_EQ(value.applyReferences({"-"}), "x-y");

@@ -382,6 +382,36 @@ TEST_F(Templates, FillHolesOfReferencedValuesToo) {
     EXPECT_EQ(resolve("${config:G/C}!"), "[<a>a]!");
 }
 
+TEST_F(Templates, FillHolesFromStoredAndFromResolvedTextsOfAnyLength) {
+    const std::string text(40, 'a');
+    storeIn("A", text);
+    storeIn("B", "<${config:G/A}>");
+    storeIn("C", "[${config:G/B},${config:G/A},${config:G/Missing},${config:G/B}]");
+    EXPECT_EQ(resolve("${config:G/A}${config:G/C}${config:G/B}"),
+              text + "[<" + text + ">," + text + ",,<" + text + ">]<" + text + ">");
+}
+
+TEST_F(Templates, LeaveTheValuesTheyDrawOnAsTheyWere) {
+    storeIn("A", "a");
+    storeIn("B", "<${config:G/A}>");
+    EXPECT_EQ(resolve("${config:G/B}${config:G/A}"), "<a>a");
+    EXPECT_EQ(parser_.valueList("G", "A").back().text, "a");
+    EXPECT_EQ(parser_.valueList("G", "B").back().text, "<>");
+}
+
+TEST_F(Templates, FillNoHoleOfAValueThatHasMorePlacesThanTargets) {
+    storeIn("K", "k");
+    parser_.addKey("G", "Other", KeyMode::Append);
+    ConfigValue value = parsed("x${config:G/K}y");
+    value.references->positions.resize('A', 1);
+    std::string text;
+    parser_.resolveValue(value, text);
+    EXPECT_EQ(text, "xy");
+    EXPECT_EQ(log_.take(),
+              "WARNING: G/K has not been added to the parser\n"
+              "WARNING: ConfigValue references size A mismatch with resolve list size \x01\n");
+}
+
 TEST_F(Templates, LeaveAHoleEmptyForAKeyThatIsNotThere) {
     EXPECT_EQ(resolve("x${config:G/Missing}y"), "xy");
     EXPECT_EQ(resolve("${config:Missing/K}"), "");
