@@ -1,9 +1,10 @@
 // splitString in every mode and with every limit.
 //
-// Input: the separator, the limit ('-' for none, or a digit), the text.
+// Input: the separator, the limit (a digit, or a letter of `limitOf`), the text.
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #include "plain/split.h"
 #include "support/check.h"
@@ -11,6 +12,19 @@
 using namespace Tarnwick::Parser;
 
 namespace {
+
+int limitOf(std::uint8_t letter) {
+    switch (letter) {
+        case '-':
+            return kNoSplitLimit;
+        case 'm':
+            return std::numeric_limits<int>::min();
+        case 'M':
+            return std::numeric_limits<int>::max();
+        default:
+            return (letter + 2) % 10;  // '0' is 0
+    }
+}
 
 std::string joined(const std::vector<std::string>& pieces) {
     std::string text;
@@ -46,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     const char separator = static_cast<char>(data[0]);
-    const int maxSplits = data[1] == '-' ? kNoSplitLimit : (data[1] + 2) % 10;  // '0' is 0
+    const int maxSplits = limitOf(data[1]);
     const std::string text(reinterpret_cast<const char*>(data) + 2, size - 2);
     for (const EmptyMode mode : {KeepEmpty, SkipEmpty, KeepEmptyAtEnd}) {
         checkSplit(text, separator, maxSplits, mode);
