@@ -10,7 +10,7 @@ help:
 run: deps-build build-release  ## build, and answer requests over the example configuration
 	examples/show build/release/tools/tarnwick-parse-config
 
-test: deps-test build-dev  ## build, and run all tests
+test: deps-test build-dev  ## build, and run the tests that every change must pass
 	ctest --test-dir build/dev --output-on-failure -j2
 
 test-platform: deps-test build-dev  ## the tests beside real systemd, logind and journald alone

@@ -12,7 +12,7 @@ import pytest
 
 ROOT = pathlib.Path(__file__).parent.parent
 sys.path.insert(0, str(ROOT / "tests"))
-from support.tool import clean_environment, tool_command  # noqa: E402
+from support.tool import clean_environment, tool_command
 
 
 @pytest.fixture(scope="module")

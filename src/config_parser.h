@@ -128,7 +128,8 @@ public:
     /// level and returns `InvalidConfiguration`; what was stored so far stays stored.
     ///
     /// Throws, as `loadFile` and `loadDirectory` do, `std::length_error` for a value that
-    /// expands to white space alone; its text names file, group and key.
+    /// expands to white space alone, or whose environment file has a name or the wanted value of
+    /// white space alone; its text names file, group and key.
     [[nodiscard]] LoadResult loadConfigs(const std::vector<std::string>& dirs);
 
     /// Loads the "*.conf" files of one directory and goes on after a file that fails. Returns
@@ -156,10 +157,10 @@ public:
     /// by `valueList`.
     ///
     /// `*ok` tells whether the text was a value of the type, or all of them were; a value that was
-    /// not is delivered all the same. "true" and "false" are the values of type bool, and any
-    /// other text is false. A number is decimal, or hexadecimal after "0x" (not for double), and
-    /// nothing may follow it: "12 " is 12 and not ok, a text without a number is 0, and a number
-    /// out of range is the type's limit.
+    /// not is delivered all the same, and `ok` may be null. "true" and "false" are the values of
+    /// type bool, and any other text is false. A number is decimal, or hexadecimal after "0x" (not
+    /// for double), and nothing may follow it: "12 " is 12 and not ok, a text without a number is
+    /// 0, and a number out of range is the type's limit.
     ///
     /// References that lead in a circle, or to more than 32 other values, resolve to an empty text
     /// and are logged as "Max depth reached, possibly circular reference." at the error level. A
@@ -201,17 +202,20 @@ public:
     /// "$$" stands for "$". "${NAME}" is a template variable, "${SOURCE:ARGUMENT}" draws on one
     /// of config, env, envfile, realpath, dconf, prop and system. The expanded text is trimmed.
     ///
-    /// Throws `std::length_error` when the expanded text is white space alone.
+    /// Throws `std::length_error` when the expanded text is white space alone, and as
+    /// `resolveTemplate` does.
     [[nodiscard]] bool parseTemplates(std::string_view valueText, ConfigValue& out) const;
 
     /// Resolves the template `name`, the text between "${" and "}". `Resolved` sets `text`;
     /// `Reference` empties `text` and sets `target` to (group, key); on `Failed` both are
-    /// unspecified and the cause has been logged.
+    /// unspecified and the cause has been logged. Throws `std::length_error` when an environment
+    /// file has a name, or the wanted value, of white space alone.
     [[nodiscard]] TemplateResult resolveTemplate(const std::string& name, std::string& text,
                                                  std::pair<std::string, std::string>& target) const;
 
     /// Expands the value's own text once more; a '$' that an earlier expansion left is scanned
-    /// anew. On failure the value is cleared and false is returned.
+    /// anew. On failure the value is cleared and false is returned. Throws as `parseTemplates`
+    /// does.
     [[nodiscard]] bool reparseValue(ConfigValue& value) const;
 
     /// Sets `out` to the value's text with every reference replaced by the last value of the key

@@ -59,12 +59,12 @@ public:
     /// warning: "Reusing logger for identity: " and the identity.
     ///
     /// The identity holds only ASCII letters, digits, '-', '.' and '_', and at least one '.'.
-    /// Anything else is a caller's mistake and aborts the process. Two threads that create one
-    /// new identity at the same moment can both add a logger for it; `findLogger` then returns
-    /// the first.
+    /// Anything else is a caller's mistake and aborts the process; null is not allowed. Two threads
+    /// that create one new identity at the same moment can both add a logger for it; `findLogger`
+    /// then returns the first.
     static std::shared_ptr<LoggerConfig> create(Ident ident, Level level);
 
-    /// Returns the first logger registered for `ident`, or an empty pointer.
+    /// Returns the first logger registered for `ident`, which is not null, or an empty pointer.
     [[nodiscard]] static std::shared_ptr<LoggerConfig> findLogger(Ident ident);
 
     /// Applies the settings from outside to every registered logger, in the order in which they
@@ -75,7 +75,8 @@ public:
     /// of a logger's identity decides, even when its level is empty or refused.
     /// TARNWICK_LOGGING_TARGET holds one target for all loggers. An unset variable counts as
     /// empty, and empty means no change. A refused text is reported by the logger it was meant
-    /// for, and the pass goes on. A file target is opened, and truncated, once per logger.
+    /// for, and the pass goes on. A file target is opened, and truncated, once per logger. Throws
+    /// `std::out_of_range` as `ConfigParser::getValue` does.
     static void configureAll(const ConfigParser* parser);
 
     /// For `create` alone: no other code has a state to hand over.
@@ -96,6 +97,7 @@ public:
     /// Sets the level from group "Logging", key = this logger's identity. True, and no change,
     /// when the parser has no such key. Text that is no level is reported as "Invalid logging
     /// level 'TEXT' from config" and yields false. A null parser is a caller's mistake and aborts.
+    /// Throws `std::out_of_range` as `ConfigParser::getValue` does.
     bool setLevel(const ConfigParser* config);
 
     /// Sends records to `target` from now on and closes the file of an earlier file target.
@@ -113,7 +115,8 @@ public:
 
     /// Sets the target from group "Logging", key "LogTarget". True, and no change, when the
     /// parser has no such key or its value is empty. Text that is no target is reported as
-    /// "Invalid logging target 'TEXT' from config" and yields false. A null parser aborts.
+    /// "Invalid logging target 'TEXT' from config" and yields false. A null parser aborts. Throws
+    /// `std::out_of_range` as `ConfigParser::getValue` does.
     bool setTarget(const ConfigParser* config);
 
     /// Returns whether a record of `level` would be written.

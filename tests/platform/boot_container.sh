@@ -29,7 +29,7 @@ processes_in_groups() {
 }
 
 remove_groups() {
-    for attempt in 1 2 3 4 5 6 7 8 9 10; do
+    for _ in 1 2 3 4 5 6 7 8 9 10; do
         left=
         for group in $groups; do
             find "$group" -depth -type d -exec rmdir {} + 2>/dev/null || true

@@ -6,11 +6,11 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-void *dlopen(const char *file, int flags) {
-    void *(*open_library)(const char *, int);
-    *(void **)&open_library = dlsym(RTLD_NEXT, "dlopen");
+void* dlopen(const char* file, int flags) {
+    void* (*open_library)(const char*, int);
+    *(void**)&open_library = dlsym(RTLD_NEXT, "dlopen");
 
-    FILE *log = fopen(getenv("DLOPEN_LOG"), "ae");
+    FILE* log = fopen(getenv("DLOPEN_LOG"), "ae");
     if (log != NULL) {
         fprintf(log, "%s\n", file != NULL ? file : "(self)");
         fclose(log);

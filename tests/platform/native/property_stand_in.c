@@ -4,8 +4,8 @@
 #include <string.h>
 
 struct property {
-    const char *name;
-    const char *value;
+    const char* name;
+    const char* value;
     int result; /* what property_get returns; above 0 the value counts */
 };
 
@@ -13,15 +13,15 @@ struct property {
 #define LONGEST TEN TEN TEN TEN TEN TEN TEN TEN TEN "x"
 
 static const struct property properties[] = {
-    {"ro.short",    "amber", 5},
-    {"ro.longest",  LONGEST, 91},
-    {"ro.zero",     "zero",  0},
+    {"ro.short", "amber", 5},
+    {"ro.longest", LONGEST, 91},
+    {"ro.zero", "zero", 0},
     {"ro.negative", "minus", -1},
 };
 
 _Static_assert(sizeof(LONGEST) == 92, "the longest value fills the buffer");
 
-int property_get(const char *name, char *value, const char *default_value) {
+int property_get(const char* name, char* value, const char* default_value) {
     for (size_t i = 0; i < sizeof(properties) / sizeof(properties[0]); ++i) {
         if (strcmp(properties[i].name, name) == 0) {
             strcpy(value, properties[i].value);
