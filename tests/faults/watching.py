@@ -204,9 +204,12 @@ def wait_for_end_of_session(session, limit):
 
 
 def kill_session(session):
-    for member in session_members(session):
-        with contextlib.suppress(ProcessLookupError):
-            os.kill(member, signal.SIGKILL)
+    """Ends the processes of the session, those too that one of them starts meanwhile."""
+    while members := session_members(session):
+        for member in members:
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(member, signal.SIGKILL)
+        time.sleep(0.01)
 
 
 def wait_until(condition, limit=60):
