@@ -103,7 +103,7 @@ def test_man_renders_the_page(section, page, machine):
     assert re.search(r"^SEE ALSO$", shown.stdout, flags=re.MULTILINE)
 
 
-def test_bash_completes_the_installed_tool(machine):
+def test_the_installed_completion_for_bash_registers_itself(machine):
     completions = "/usr/share/bash-completion/completions/tarnwick-parse-config"
     show = f". {completions} && complete -p tarnwick-parse-config"
     registered = machine.inside("bash", "-c", show)
@@ -111,9 +111,13 @@ def test_bash_completes_the_installed_tool(machine):
 
 
 def test_zsh_finds_the_completion_of_the_installed_tool(machine):
-    completions = "/usr/share/zsh/vendor-completions/_tarnwick-parse-config"
-    first_line = machine.inside("head", "-n1", completions).stdout
-    assert first_line.split() == ["#compdef", "tarnwick-parse-config"]
+    show = "autoload -Uz compinit && compinit -u -D && print $_comps[tarnwick-parse-config]"
+    assert machine.inside("zsh", "-fc", show).stdout == "_tarnwick-parse-config\n"
+
+
+def test_the_packaged_tool_is_hardened(native, tmp_path):
+    run("dpkg-deb", "--extract", native["tarnwick-parse-config"], tmp_path)
+    run(ROOT / "scripts" / "check-hardening", tmp_path / "usr" / "bin" / "tarnwick-parse-config")
 
 
 @pytest.mark.parametrize("name", AUTOPKGTESTS)

@@ -6,7 +6,6 @@ import shutil
 import socket
 import struct
 import subprocess
-import time
 
 import pytest
 
@@ -197,10 +196,8 @@ def file_in_place_of_the_socket(device):
 def test_without_a_journal_only_the_record_is_lost(device, lay_out, value, output, status):
     lay_out(device)
     device.configure("[Config]", f"Hostname={value}")
-    begin = time.monotonic()
     result = ask(device)
     assert (result.stdout, result.stderr, result.returncode) == (output, b"", status)
-    assert time.monotonic() - begin < 10
 
 
 # Starts the daemon, runs the command given, and lets the daemon store everything before it goes.

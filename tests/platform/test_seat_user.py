@@ -132,10 +132,7 @@ def test_a_seat_of_nobody_fails_when_the_wait_is_over(seat, tmp_path, text):
     assert (result.stdout, result.returncode) == (b"", 1)
 
 
-WAITED_FOR = ["no file", "users without sessions"]
-
-
-@pytest.mark.parametrize(("text", "cause"), [UNREADABLE[name] for name in WAITED_FOR], ids=WAITED_FOR)
+@pytest.mark.parametrize(("text", "cause"), UNREADABLE.values(), ids=UNREADABLE)
 def test_an_unreadable_list_of_sessions_is_looked_at_until_the_wait_is_over(
     seat, tmp_path, text, cause
 ):
