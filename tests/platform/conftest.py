@@ -1,11 +1,13 @@
 """Fixtures for the tests of what surrounds the tool; see docs/testing.md for the layers."""
 
 import pathlib
+import socket
 
 import pytest
 
 import container
 from device import Device, reason_against_namespaces
+from journal_socket import received
 from support import preloading
 from support.tool import EMULATOR
 
@@ -37,6 +39,16 @@ def device(tmp_path):
     return Device(tmp_path)
 
 
+@pytest.fixture
+def journal(device):
+    """A socket of our own at the journal's address; calling it returns the entries received."""
+    (device.login / "journal").mkdir()
+    with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as listener:
+        listener.bind(str(device.login / "journal" / "socket"))
+        listener.setblocking(False)
+        yield lambda: list(received(listener))
+
+
 @pytest.fixture(scope="session")
 def machine(tmp_path_factory, pytestconfig):
     """The container with the real services, booted once for all tests that ask for it."""
@@ -60,3 +72,9 @@ def compile_library(tmp_path_factory):
         return preloading.compile_library(sources / source, tmp_path_factory.mktemp("native") / name)
 
     return compile_to
+
+
+@pytest.fixture(scope="session")
+def property_libraries(compile_library):
+    """The directory of a stand-in for the property library."""
+    return compile_library("property_stand_in.c", "libandroid-properties.so.1").parent

@@ -132,12 +132,13 @@ class Device:
         assignments = [f"{name}={text}" for name, text in (env or {}).items()]
         return ["env", *assignments, *tool_command("--config", str(self.configuration), *arguments)]
 
-    def run(self, *arguments, env=None, **options):
-        """Runs the tool to its end; bytes in `stdout` and `stderr`."""
+    def run(self, *arguments, before=(), env=None, **options):
+        """Runs the tool to its end, behind the command `before`; bytes in `stdout` and `stderr`."""
         options.setdefault("stderr", subprocess.PIPE)
         return subprocess.run(
-            self.inside(*self.tool(*arguments, env=env)), env=self.environment(), stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE, timeout=RUN_LIMIT_SECONDS, check=False, **options,
+            self.inside(*before, *self.tool(*arguments, env=env)), env=self.environment(),
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=RUN_LIMIT_SECONDS, check=False,
+            **options,
         )
 
     def start(self, *arguments, env=None, stderr):

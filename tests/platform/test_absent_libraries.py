@@ -35,11 +35,7 @@ def ask_without(device, tmp_path):
         nothing = tmp_path / "nothing"
         nothing.write_bytes(b"")
         hide = ["sh", "-c", HIDDEN, "hide", " ".join(paths), str(nothing)]
-        return subprocess.run(
-            device.inside(*hide, *device.tool(*arguments, env=env)),
-            env=device.environment(), stdin=subprocess.DEVNULL, capture_output=True, timeout=60,
-            check=False,
-        )
+        return device.run(*arguments, before=hide, env=env)
 
     return ask
 

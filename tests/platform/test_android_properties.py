@@ -21,19 +21,13 @@ def ask(device):
     return run
 
 
-@pytest.fixture(scope="session")
-def libraries(compile_library):
-    """The directory of the stand-in."""
-    return compile_library("property_stand_in.c", LIBRARY).parent
-
-
-def test_a_property_is_read_from_the_library(ask, libraries):
-    result = ask("ro.short", libraries)
+def test_a_property_is_read_from_the_library(ask, property_libraries):
+    result = ask("ro.short", property_libraries)
     assert (result.stdout, result.stderr, result.returncode) == (b"amber\n", b"", 0)
 
 
-def test_the_longest_property_has_91_characters(ask, libraries):
-    assert ask("ro.longest", libraries).stdout == b"0123456789" * 9 + b"x\n"
+def test_the_longest_property_has_91_characters(ask, property_libraries):
+    assert ask("ro.longest", property_libraries).stdout == b"0123456789" * 9 + b"x\n"
 
 
 def failed_to_read(name):
@@ -41,8 +35,8 @@ def failed_to_read(name):
 
 
 @pytest.mark.parametrize("name", ["ro.zero", "ro.negative", "ro.unknown"])
-def test_a_result_of_zero_or_less_means_no_value_whatever_the_buffer_holds(ask, libraries, name):
-    result = ask(name, libraries, "--log-level", "debug")
+def test_a_result_of_zero_or_less_means_no_value_whatever_the_buffer_holds(ask, property_libraries, name):
+    result = ask(name, property_libraries, "--log-level", "debug")
     assert (result.stdout, result.stderr, result.returncode) == (b"", failed_to_read(name), 2)
 
 
@@ -91,8 +85,8 @@ def opened_libraries(device, compile_library, tmp_path):
     return run
 
 
-def test_however_many_templates_ask_the_library_is_opened_once(opened_libraries, libraries):
-    assert opened_libraries(libraries) == [LIBRARY]
+def test_however_many_templates_ask_the_library_is_opened_once(opened_libraries, property_libraries):
+    assert opened_libraries(property_libraries) == [LIBRARY]
 
 
 def test_an_absent_library_is_looked_for_once(opened_libraries, tmp_path):

@@ -1,9 +1,8 @@
 """Too few descriptors for a service: its value is missing, never wrong, and the rest unharmed."""
 
-import subprocess
-
 import pytest
 
+from journal_socket import messages
 from support.tool import EMULATOR
 
 pytestmark = pytest.mark.skipif(bool(EMULATOR), reason="the limit would hit the emulator")
@@ -16,11 +15,8 @@ def ask(device):
     """Runs the tool with a limited number of descriptors."""
 
     def run(count, *arguments, env=None):
-        limited = ["prlimit", f"--nofile={count}", *device.tool("--key", "Hostname", *arguments, env=env)]
-        return subprocess.run(
-            device.inside(*limited), env=device.environment(), stdin=subprocess.DEVNULL,
-            capture_output=True, timeout=60, check=False,
-        )
+        limit = ["prlimit", f"--nofile={count}"]
+        return device.run("--key", "Hostname", *arguments, before=limit, env=env)
 
     return run
 
@@ -37,10 +33,9 @@ def test_a_dconf_value_needs_six(device, ask, count):
 
 
 @at_every_limit
-def test_a_property_needs_five(device, ask, compile_library, count):
+def test_a_property_needs_five(device, ask, property_libraries, count):
     device.configure("[Config]", "Hostname=early;${prop:ro.short}")
-    library = compile_library("property_stand_in.c", "libandroid-properties.so.1")
-    asked = ask(count, "--user-id", "0", env={"LD_LIBRARY_PATH": str(library.parent)})
+    asked = ask(count, "--user-id", "0", env={"LD_LIBRARY_PATH": str(property_libraries)})
     value = b"early\n" if count < 5 else b"amber\n"
     assert (asked.returncode, asked.stdout, asked.stderr) == (0, value, b"")
 
@@ -55,10 +50,11 @@ def test_the_seat_needs_no_more_than_a_file(device, ask, count):
 
 
 @at_every_limit
-def test_a_record_for_the_journal_does_not_harm_the_value(device, ask, count):
+def test_a_record_for_the_journal_needs_five_and_does_not_harm_the_value(device, ask, journal, count):
     device.configure("[Config]", "Hostname=early;${nothing}")
     asked = ask(count, "--user-id", "0", env={"TARNWICK_LOGGING_TARGET": "systemd"})
     assert (asked.returncode, asked.stdout, asked.stderr) == (0, b"early\n", b"")
+    assert messages(journal()) == ([] if count < 5 else [(3, b"No such template 'nothing'")])
 
 
 @at_every_limit

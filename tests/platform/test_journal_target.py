@@ -4,53 +4,17 @@ import json
 import pathlib
 import shutil
 import socket
-import struct
-import subprocess
 
 import pytest
+
+from journal_socket import messages
 
 TO_JOURNAL = {"TARNWICK_LOGGING_TARGET": "systemd"}
 DAEMON = "/lib/systemd/systemd-journald"
 
 
-@pytest.fixture
-def journal(device):
-    """A socket of our own at the journal's address; calling it returns the entries received."""
-    (device.login / "journal").mkdir()
-    with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as listener:
-        listener.bind(str(device.login / "journal" / "socket"))
-        listener.setblocking(False)
-        yield lambda: list(received(listener))
-
-
-def received(listener):
-    while True:
-        try:
-            yield fields(listener.recv(1 << 20))
-        except BlockingIOError:
-            return
-
-
-def fields(datagram):
-    """One entry in the journal's own protocol: `NAME=text` lines, and sized values for the rest."""
-    entry = {}
-    while datagram:
-        line, _, rest = datagram.partition(b"\n")
-        name, is_text, value = line.partition(b"=")
-        if not is_text:
-            (size,) = struct.unpack("<Q", rest[:8])
-            value, rest = rest[8:8 + size], rest[8 + size + 1:]
-        entry[name.decode()] = value
-        datagram = rest
-    return entry
-
-
-def messages(entries):
-    return [(int(entry["PRIORITY"]), entry["MESSAGE"]) for entry in entries]
-
-
-def ask(device, *arguments, user="0", env=TO_JOURNAL):
-    return device.run("--key", "Hostname", "--user-id", user, *arguments, env=env)
+def ask(device, *arguments, user="0", env=TO_JOURNAL, **options):
+    return device.run("--key", "Hostname", "--user-id", user, *arguments, env=env, **options)
 
 
 def test_an_entry_has_the_message_its_priority_and_the_program_s_name(device, journal):
@@ -225,11 +189,8 @@ def stored_entries(device):
         pytest.skip("a journal started by hand needs systemd")
 
     def run(*arguments, user="0"):
-        tool = device.tool("--key", "Hostname", "--user-id", user, *arguments, env=TO_JOURNAL)
-        result = subprocess.run(
-            device.inside("sh", "-c", WITH_DAEMON, DAEMON, *tool), env=device.environment(),
-            stdin=subprocess.DEVNULL, capture_output=True, timeout=60, check=True,
-        )
+        result = ask(device, *arguments, user=user, before=["sh", "-c", WITH_DAEMON, DAEMON])
+        result.check_returncode()
         return [json.loads(line) for line in result.stdout.splitlines() if line.startswith(b"{")]
 
     return run
