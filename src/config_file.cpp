@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "character_set.h"
 #include "logging/log_record.h"
+#include "support/character_set.h"
 
 namespace Tarnwick::Parser {
 namespace {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "line_reader.h"
+#include "support/line_reader.h"
 
 namespace Tarnwick::Parser {
 

@@ -6,9 +6,9 @@
 #include "config_file.h"
 #include "config_parser.h"
 #include "config_parser_data.h"
-#include "find_files.h"
 #include "logging/log_record.h"
-#include "split_string.h"
+#include "support/find_files.h"
+#include "support/split_string.h"
 #include "vocabulary.h"
 
 namespace Tarnwick::Parser {

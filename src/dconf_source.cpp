@@ -12,8 +12,8 @@
 #include <string>
 #include <string_view>
 
-#include "dynamic_library.h"
 #include "logging/log_record.h"
+#include "support/dynamic_library.h"
 #include "value_sources.h"
 
 TARNWICK_DLOPEN_NOTE("dconf", "dconf keys in values", "recommended", "libdconf.so.1");

@@ -1,9 +1,9 @@
 #include "environment_file.h"
 
-#include "line_reader.h"
 #include "logging/log_record.h"
-#include "split_string.h"
-#include "trim.h"
+#include "support/line_reader.h"
+#include "support/split_string.h"
+#include "support/trim.h"
 
 namespace Tarnwick::Parser {
 namespace {

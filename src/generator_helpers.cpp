@@ -5,10 +5,10 @@
 #include <sstream>
 
 #include "config_writer.h"
-#include "find_files.h"
 #include "logging/log_record.h"
 #include "mount_entry.h"
-#include "split_string.h"
+#include "support/find_files.h"
+#include "support/split_string.h"
 #include "value_sources.h"
 
 namespace Tarnwick::Parser::GeneratorHelpers {

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "logging/log_record.h"
-#include "split_string.h"
+#include "support/split_string.h"
 
 namespace Tarnwick::Parser {
 namespace {

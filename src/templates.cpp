@@ -14,8 +14,8 @@
 #include "environment_file.h"
 #include "fill_holes.h"
 #include "logging/log_record.h"
-#include "split_string.h"
-#include "trim.h"
+#include "support/split_string.h"
+#include "support/trim.h"
 #include "value_sources.h"
 
 namespace Tarnwick::Parser {

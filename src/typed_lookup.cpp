@@ -1,9 +1,9 @@
 // The getValue family of ConfigParser: one road for single values, one for lists.
 
-#include "assertion.h"
 #include "config_parser.h"
 #include "config_parser_data.h"
-#include "value_conversion.h"
+#include "support/assertion.h"
+#include "support/value_conversion.h"
 
 namespace Tarnwick::Parser {
 namespace {

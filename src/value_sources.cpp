@@ -10,8 +10,8 @@
 #include <cstring>
 #include <memory>
 
-#include "dynamic_library.h"
 #include "logging/log_record.h"
+#include "support/dynamic_library.h"
 
 TARNWICK_DLOPEN_NOTE("properties", "Android properties in values", "suggested",
                      "libandroid-properties.so.1");

@@ -1,6 +1,6 @@
 #include "vocabulary.h"
 
-#include "character_set.h"
+#include "support/character_set.h"
 
 namespace Tarnwick::Parser {
 

@@ -6,7 +6,7 @@
 #include <limits>
 #include <string_view>
 
-#include "split_string.h"
+#include "support/split_string.h"
 #include "vocabulary.h"
 
 namespace Tarnwick::Parser::Tool {

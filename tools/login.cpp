@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "dynamic_library.h"
+#include "support/dynamic_library.h"
 
 TARNWICK_DLOPEN_NOTE("login", "The user of the active session", "recommended", "libsystemd.so.0");
 

@@ -2,7 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "split_string.h"
+#include "support/split_string.h"
 
 namespace Tarnwick::Parser {
 namespace {

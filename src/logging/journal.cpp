@@ -3,7 +3,7 @@
 #define SD_JOURNAL_SUPPRESS_LOCATION  // The plain function: no source paths in the journal.
 #include <systemd/sd-journal.h>
 
-#include "dynamic_library.h"
+#include "support/dynamic_library.h"
 
 TARNWICK_DLOPEN_NOTE("journal", "Log records in the systemd journal", "recommended",
                      "libsystemd.so.0");

@@ -8,11 +8,11 @@
 #include <string_view>
 #include <utility>
 
-#include "assertion.h"
-#include "character_set.h"
 #include "logging/log_record.h"
 #include "logging/logger_state.h"
-#include "value_conversion.h"
+#include "support/assertion.h"
+#include "support/character_set.h"
+#include "support/value_conversion.h"
 
 namespace Tarnwick::Parser::Logging {
 

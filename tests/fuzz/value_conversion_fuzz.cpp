@@ -1,6 +1,6 @@
 // Text to bool and numbers. Input: the text.
 
-#include "value_conversion.h"
+#include "support/value_conversion.h"
 
 #include <bit>
 #include <cstddef>

@@ -5,8 +5,8 @@
 #include <fstream>
 #include <vector>
 
-#include "support/captured_stream.h"
-#include "support/temporary_directory.h"
+#include "helpers/captured_stream.h"
+#include "helpers/temporary_directory.h"
 #include "vocabulary.h"
 
 namespace Tarnwick::Parser {

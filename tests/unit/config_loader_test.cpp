@@ -3,9 +3,9 @@
 #include <stdexcept>
 
 #include "config_parser.h"
-#include "support/captured_stream.h"
-#include "support/process_state.h"
-#include "support/temporary_directory.h"
+#include "helpers/captured_stream.h"
+#include "helpers/process_state.h"
+#include "helpers/temporary_directory.h"
 
 namespace Tarnwick::Parser {
 namespace {

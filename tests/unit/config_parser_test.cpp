@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "config_parser_data.h"
-#include "support/captured_stream.h"
+#include "helpers/captured_stream.h"
 
 namespace Tarnwick::Parser {
 namespace {

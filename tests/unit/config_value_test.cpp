@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "support/captured_stream.h"
+#include "helpers/captured_stream.h"
 
 namespace Tarnwick::Parser {
 namespace {

@@ -5,8 +5,8 @@
 
 #include <stdexcept>
 
-#include "support/process_state.h"
-#include "support/temporary_directory.h"
+#include "helpers/process_state.h"
+#include "helpers/temporary_directory.h"
 
 namespace Tarnwick::Parser {
 namespace {

@@ -8,10 +8,10 @@
 #include <cstdlib>
 
 #include "config_parser.h"
-#include "support/captured_stream.h"
-#include "support/child_process.h"
-#include "support/process_state.h"
-#include "support/temporary_directory.h"
+#include "helpers/captured_stream.h"
+#include "helpers/child_process.h"
+#include "helpers/process_state.h"
+#include "helpers/temporary_directory.h"
 #include "value_sources.h"
 
 namespace Tarnwick::Parser {

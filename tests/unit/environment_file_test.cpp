@@ -4,8 +4,8 @@
 
 #include <stdexcept>
 
-#include "support/captured_stream.h"
-#include "support/temporary_directory.h"
+#include "helpers/captured_stream.h"
+#include "helpers/temporary_directory.h"
 
 namespace Tarnwick::Parser {
 namespace {

@@ -8,9 +8,9 @@
 #include "config_file.h"
 #include "config_parser.h"
 #include "config_writer.h"
-#include "support/captured_stream.h"
-#include "support/process_state.h"
-#include "support/temporary_directory.h"
+#include "helpers/captured_stream.h"
+#include "helpers/process_state.h"
+#include "helpers/temporary_directory.h"
 #include "vocabulary.h"
 
 namespace Tarnwick::Parser::GeneratorHelpers {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/captured_stream.h"
+#include "helpers/captured_stream.h"
 
 namespace Tarnwick::Parser {
 namespace {

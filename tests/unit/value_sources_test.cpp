@@ -10,10 +10,10 @@
 #include <climits>
 #include <cstring>
 
-#include "support/captured_stream.h"
-#include "support/child_process.h"
-#include "support/process_state.h"
-#include "support/temporary_directory.h"
+#include "helpers/captured_stream.h"
+#include "helpers/child_process.h"
+#include "helpers/process_state.h"
+#include "helpers/temporary_directory.h"
 
 namespace Tarnwick::Parser {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "split_string.h"
+#include "support/split_string.h"
 
 namespace Fuzz {
 

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "helpers/captured_stream.h"
+#include "helpers/temporary_directory.h"
 #include "logging/journal_stand_in.h"
 #include "logging/log_record.h"
-#include "support/captured_stream.h"
-#include "support/temporary_directory.h"
 
 namespace Tarnwick::Parser::Logging {
 

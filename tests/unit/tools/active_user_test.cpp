@@ -10,9 +10,9 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "support/captured_stream.h"
-#include "support/process_state.h"
-#include "support/temporary_directory.h"
+#include "helpers/captured_stream.h"
+#include "helpers/process_state.h"
+#include "helpers/temporary_directory.h"
 #include "tools/login_stand_in.h"
 
 namespace Tarnwick::Parser::Tool {

@@ -4,7 +4,7 @@
 
 #include <climits>
 
-#include "support/captured_stream.h"
+#include "helpers/captured_stream.h"
 
 namespace Tarnwick::Parser::Tool {
 namespace {

@@ -13,7 +13,7 @@
 #include <cstring>
 #include <string>
 
-#include "support/child_process.h"
+#include "helpers/child_process.h"
 
 namespace Tarnwick::Parser::Tool {
 namespace {

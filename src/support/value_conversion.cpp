@@ -1,4 +1,4 @@
-#include "value_conversion.h"
+#include "support/value_conversion.h"
 
 #include <locale>
 #include <sstream>

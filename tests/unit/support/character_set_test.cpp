@@ -1,4 +1,4 @@
-#include "character_set.h"
+#include "support/character_set.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "find_files.h"
+#include "support/find_files.h"
 
 #include <glob.h>
 

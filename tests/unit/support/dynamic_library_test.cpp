@@ -1,4 +1,4 @@
-#include "dynamic_library.h"
+#include "support/dynamic_library.h"
 
 #include <gtest/gtest.h>
 

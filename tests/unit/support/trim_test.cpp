@@ -1,4 +1,4 @@
-#include "trim.h"
+#include "support/trim.h"
 
 #include <gtest/gtest.h>
 

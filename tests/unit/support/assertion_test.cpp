@@ -1,4 +1,4 @@
-#include "assertion.h"
+#include "support/assertion.h"
 
 #include <gtest/gtest.h>
 

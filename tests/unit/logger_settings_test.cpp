@@ -1,6 +1,6 @@
 #include "config_parser.h"
+#include "helpers/process_state.h"
 #include "logging/logger_fixture.h"
-#include "support/process_state.h"
 
 namespace Tarnwick::Parser::Logging {
 namespace {

@@ -3,12 +3,12 @@
 #include <optional>
 #include <string>
 
-#include "assertion.h"
 #include "config_parser.h"
 #include "logging/log_record.h"
 #include "logging/logger_config.h"
 #include "logging/logger_state.h"
-#include "split_string.h"
+#include "support/assertion.h"
+#include "support/split_string.h"
 #include "value_sources.h"
 
 namespace Tarnwick::Parser::Logging {

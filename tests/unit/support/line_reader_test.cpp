@@ -1,4 +1,4 @@
-#include "line_reader.h"
+#include "support/line_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <fstream>
 #include <vector>
 
-#include "support/temporary_directory.h"
+#include "helpers/temporary_directory.h"
 
 namespace Tarnwick::Parser {
 namespace {

@@ -1,8 +1,8 @@
-#include "find_files.h"
+#include "support/find_files.h"
 
 #include <gtest/gtest.h>
 
-#include "support/temporary_directory.h"
+#include "helpers/temporary_directory.h"
 
 namespace Tarnwick::Parser {
 namespace {

@@ -1,4 +1,4 @@
-#include "value_conversion.h"
+#include "support/value_conversion.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <limits>
 #include <vector>
 
-#include "support/process_state.h"
+#include "helpers/process_state.h"
 
 namespace Tarnwick::Parser {
 namespace {

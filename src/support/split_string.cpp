@@ -1,4 +1,4 @@
-#include "split_string.h"
+#include "support/split_string.h"
 
 namespace Tarnwick::Parser {
 
