@@ -13,6 +13,7 @@ install(FILES
     src/config_value.h
     src/config_writer.h
     src/generator_helpers.h
+    src/parser_types.h
     src/vocabulary.h
     src/vocabulary_names.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarnwick COMPONENT development)

@@ -25,35 +25,11 @@ std::vector<std::string> findConfigFiles(const std::string& dir) {
     return findFiles(withTrailingSlash(dir) + kFilePattern);
 }
 
-/// Tells which keys of a file are taken, and how. A pass for a few registered keys reads files
-/// full of others: a whole group without a registered key costs one look.
-class KeyFilter {
-public:
-    KeyFilter(const ConfigParser& parser, const ConfigParserData& data)
-        : parser_(parser),
-          data_(data),
-          takesEveryKey_(data.registry.empty()),
-          takesGroup_(data.registersGroup("")) {}
-
-    /// Returns the key's mode as a number, or -1 for a key that is not taken.
-    [[nodiscard]] std::int32_t modeOf(const ConfigFileIterator& entry) {
-        if (takesEveryKey_) {
-            return static_cast<std::int32_t>(KeyMode::Append);
-        }
-        if (entry.groupLine() != groupLine_) {
-            groupLine_ = entry.groupLine();
-            takesGroup_ = data_.registersGroup(entry.group());
-        }
-        return takesGroup_ ? parser_.keyMode(entry.group(), std::string(entry.key())) : -1;
-    }
-
-private:
-    const ConfigParser& parser_;
-    const ConfigParserData& data_;
-    bool takesEveryKey_;
-    std::uint32_t groupLine_ = 0;  // of the last key; every file begins with the empty group
-    bool takesGroup_;
-};
+// The mode that an entry is stored by, or -1 for a key that is not taken.
+std::int32_t modeOf(const ConfigStore& store, const ConfigFileIterator& entry) {
+    return store.hasRegistry() ? store.keyMode(entry.group(), std::string(entry.key()))
+                               : static_cast<std::int32_t>(KeyMode::Append);
+}
 
 void storePiece(ConfigParser& parser, const std::string& group, const std::string& key,
                 std::string_view piece, KeyMode mode) {
@@ -121,9 +97,8 @@ bool ConfigParser::loadDirectory(const std::string& dir) {
 
 bool ConfigParser::loadFile(const std::string& path) {
     ConfigFile file(path);
-    KeyFilter filter(*this, *data_);
     for (ConfigFileIterator entry(file); entry.hasEntry() && !file.failed; ++entry) {
-        const std::int32_t mode = filter.modeOf(entry);
+        const std::int32_t mode = modeOf(data_->store, entry);
         if (mode == -1) {
             continue;
         }

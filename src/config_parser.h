@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -10,35 +9,12 @@
 
 #include "api.h"
 #include "config_value.h"
+#include "parser_types.h"
 
 /// Reading, storing and generating configuration.
 namespace Tarnwick::Parser {
 
 struct ConfigParserData;
-
-/// A key's values in the order in which they were stored. The parser's lists share one arena,
-/// which is freed with the parser.
-using ValueList = std::pmr::vector<ConfigValue>;
-
-/// How the values of a registered key accumulate.
-enum class KeyMode : std::int32_t {
-    Replace = 0,  ///< a new value replaces all earlier ones
-    Append = 1,   ///< a new value joins the earlier ones; an empty plain value does not
-};
-
-/// How loading a list of directories ended.
-enum class LoadResult : std::int32_t {
-    Ok = 0,                    ///< at least one directory held a file, and every file loaded
-    NoConfiguration = 1,       ///< no directory held a file
-    InvalidConfiguration = 2,  ///< a file failed to load, and loading stopped there
-};
-
-/// What became of one template.
-enum class TemplateResult : std::int32_t {
-    Resolved = 0,   ///< replaced by a text
-    Failed = 1,     ///< no text; the cause has been logged
-    Reference = 2,  ///< names another key, whose value is inserted at lookup
-};
 
 /// The configuration: the values of all files by group and key, the registry of the keys that the
 /// caller declared, the template variables, and the user on whose behalf templates are expanded.
@@ -100,7 +76,8 @@ public:
     /// Returns the key's values in the order in which they were stored; the last one is current.
     /// A key without an entry gets an empty one, after which `hasKey` returns true for it. The
     /// reference is valid until the key is removed.
-    [[nodiscard]] ValueList& valueList(const std::string& group, const std::string& key);
+    [[nodiscard]] std::vector<ConfigValue>& valueList(const std::string& group,
+                                                      const std::string& key);
 
     /// @{
     /// Adds a value to the key's list; an empty one is not added.

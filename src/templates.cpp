@@ -12,7 +12,6 @@
 #include "config_parser.h"
 #include "config_parser_data.h"
 #include "environment_file.h"
-#include "fill_holes.h"
 #include "logging/log_record.h"
 #include "support/split_string.h"
 #include "support/trim.h"
@@ -184,62 +183,46 @@ constexpr std::int32_t kLastVisit = 32;
 
 class Resolver {
 public:
-    Resolver(const ConfigParser& parser, const ConfigParserData& data)
-        : parser_(parser), data_(data) {}
+    explicit Resolver(const ConfigStore& store) : store_(store) {}
 
-    /// Returns the value's text: a view of the value, or of `room` when the text had to be put
-    /// together there; of a value of an unknown state, `room` as it was. Returns nothing after
-    /// too many visits.
-    [[nodiscard]] std::optional<std::string_view> resolve(const ConfigValue& value,
-                                                          std::string& room) {
+    /// Sets `out` to the value's text. Returns false after too many visits. A value of an unknown
+    /// state leaves `out` as it was.
+    [[nodiscard]] bool resolve(const ConfigValue& value, std::string& out) {
         if (visits_ > kLastVisit) {
-            return std::nullopt;
+            return false;
         }
         ++visits_;
         if (value.hasReferences == 0) {
-            return value.text;
+            out = value.text;
         }
-        if (value.hasReferences == 1 && !insertReferences(value, room)) {
-            return std::nullopt;
-        }
-        return room;
+        return value.hasReferences != 1 || insertReferences(value, out);
     }
 
 private:
-    // All texts are found before any is inserted. Most are plain: what is stored is viewed.
     [[nodiscard]] bool insertReferences(const ConfigValue& value, std::string& out) {
-        if (!value.references) {
-            out = value.text;
-            return true;
-        }
-        const std::vector<Target>& targets = value.references->targets;
-        std::vector<std::string> rooms(targets.size());
-        std::vector<std::string_view> texts(targets.size());
-        for (std::size_t index = 0; index < targets.size(); ++index) {
-            const ConfigValue* target = currentValue(targets[index]);
-            if (target == nullptr) {
-                continue;
+        std::vector<std::string> texts;
+        if (value.references) {
+            for (const auto& [group, key] : value.references->targets) {
+                const ConfigValue* target = currentValue(group, key);
+                std::string& text = texts.emplace_back();
+                if (target != nullptr && !resolve(*target, text)) {
+                    return false;
+                }
             }
-            const std::optional<std::string_view> text = resolve(*target, rooms[index]);
-            if (!text) {
-                return false;
-            }
-            texts[index] = *text;
         }
-        out = fillHoles(value, texts);
+        out = value.applyReferences(texts);
         return true;
     }
 
     // Null for a key that does not exist or holds no value: its hole stays empty.
-    [[nodiscard]] const ConfigValue* currentValue(const Target& target) const {
-        const auto& [group, key] = target;
-        parser_.checkKeyAdded(group, key);
-        const ValueList* values = data_.find(group, key);
+    [[nodiscard]] const ConfigValue* currentValue(const std::string& group,
+                                                  const std::string& key) const {
+        store_.checkKeyAdded(group, key);
+        const std::vector<ConfigValue>* values = store_.find(group, key);
         return values == nullptr || values->empty() ? nullptr : &values->back();
     }
 
-    const ConfigParser& parser_;
-    const ConfigParserData& data_;
+    const ConfigStore& store_;
     std::int32_t visits_ = 0;
 };
 
@@ -298,12 +281,9 @@ bool ConfigParser::reparseValue(ConfigValue& value) const {
 }
 
 void ConfigParser::resolveValue(const ConfigValue& value, std::string& out) const {
-    const std::optional<std::string_view> text = Resolver(*this, *data_).resolve(value, out);
-    if (!text) {
+    if (!Resolver(data_->store).resolve(value, out)) {
         logError(parserLogger) << "Max depth reached, possibly circular reference.";
         out.clear();
-    } else if (text->data() != out.data()) {  // not put together there already
-        out = *text;
     }
 }
 

@@ -22,7 +22,7 @@ bool isListed(const ConfigValue& value, const std::string& text) {
     return value.hasReferences == 0 || !text.empty();
 }
 
-const ConfigValue& currentValue(const ValueList& values) {
+const ConfigValue& currentValue(const std::vector<ConfigValue>& values) {
     TARNWICK_ASSERT(!values.empty());
     return values.back();
 }
@@ -34,14 +34,14 @@ void setFlag(bool* ok, bool isValid) {
 }
 
 template <typename T>
-T convertedValue(const ConfigParser& parser, const ValueList& values,
+T convertedValue(const ConfigParser& parser, const std::vector<ConfigValue>& values,
                  const ValueConverter<T>& convert, bool* ok) {
     setFlag(ok, true);
     return convert(textOf(parser, currentValue(values)), ok);
 }
 
 template <typename T>
-void appendConverted(const ConfigParser& parser, const ValueList& list,
+void appendConverted(const ConfigParser& parser, const std::vector<ConfigValue>& list,
                      const ValueConverter<T>& convert, std::vector<T>& values, bool* ok) {
     values.reserve(values.size() + list.size());
     setFlag(ok, true);
@@ -66,12 +66,12 @@ bool isTrue(const std::string& text, bool*) {
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::string& value) const {
-    value = textOf(*this, currentValue(data_->listOf(group, key)));
+    value = textOf(*this, currentValue(data_->store.valueList(group, key)));
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<std::string>& values) const {
-    const ValueList& list = data_->listOf(group, key);
+    const std::vector<ConfigValue>& list = data_->store.valueList(group, key);
     values.reserve(values.size() + list.size());
     for (const ConfigValue& value : list) {
         std::string text = textOf(*this, value);
@@ -82,52 +82,53 @@ void ConfigParser::getValue(const std::string& group, const std::string& key,
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key, bool& value) const {
-    value = convertedValue<bool>(*this, data_->listOf(group, key), isTrue, nullptr);
+    value = convertedValue<bool>(*this, data_->store.valueList(group, key), isTrue, nullptr);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key, bool& value,
                             bool* ok) const {
-    value = convertedValue<bool>(*this, data_->listOf(group, key), parseBool, ok);
+    value = convertedValue<bool>(*this, data_->store.valueList(group, key), parseBool, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<bool>& values) const {
-    appendConverted<bool>(*this, data_->listOf(group, key), isTrue, values, nullptr);
+    appendConverted<bool>(*this, data_->store.valueList(group, key), isTrue, values, nullptr);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<bool>& values, bool* ok) const {
-    appendConverted<bool>(*this, data_->listOf(group, key), parseBool, values, ok);
+    appendConverted<bool>(*this, data_->store.valueList(group, key), parseBool, values, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key, int& value,
                             bool* ok) const {
-    value = convertedValue<int>(*this, data_->listOf(group, key), parseInt, ok);
+    value = convertedValue<int>(*this, data_->store.valueList(group, key), parseInt, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<int>& values, bool* ok) const {
-    appendConverted<int>(*this, data_->listOf(group, key), parseInt, values, ok);
+    appendConverted<int>(*this, data_->store.valueList(group, key), parseInt, values, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key, long long& value,
                             bool* ok) const {
-    value = convertedValue<long long>(*this, data_->listOf(group, key), parseLongLong, ok);
+    value = convertedValue<long long>(*this, data_->store.valueList(group, key), parseLongLong, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<long long>& values, bool* ok) const {
-    appendConverted<long long>(*this, data_->listOf(group, key), parseLongLong, values, ok);
+    appendConverted<long long>(*this, data_->store.valueList(group, key), parseLongLong, values,
+                               ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key, double& value,
                             bool* ok) const {
-    value = convertedValue<double>(*this, data_->listOf(group, key), parseDouble, ok);
+    value = convertedValue<double>(*this, data_->store.valueList(group, key), parseDouble, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<double>& values, bool* ok) const {
-    appendConverted<double>(*this, data_->listOf(group, key), parseDouble, values, ok);
+    appendConverted<double>(*this, data_->store.valueList(group, key), parseDouble, values, ok);
 }
 
 }  // namespace Tarnwick::Parser

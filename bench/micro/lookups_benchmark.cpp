@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "config_parser.h"
-#include "config_parser_data.h"
+#include "config_store.h"
 
 namespace Tarnwick::Parser {
 namespace {
@@ -103,10 +103,10 @@ void resolvesReferences(benchmark::State& state) {
 
 // What a value that refers to the keys cannot do without: for each one look for the key, and a
 // copy of its text into the result.
-std::string drawnTexts(const ConfigParserData& data, const std::vector<std::string>& keys) {
+std::string drawnTexts(const ConfigStore& store, const std::vector<std::string>& keys) {
     std::string text;
     for (const std::string& key : keys) {
-        const ValueList* values = data.find(kGroup, key);
+        const std::vector<ConfigValue>* values = store.find(kGroup, key);
         if (values != nullptr) {
             text += values->back().text;
         }
@@ -116,13 +116,13 @@ std::string drawnTexts(const ConfigParserData& data, const std::vector<std::stri
 
 void bareStoreOperations(benchmark::State& state) {
     const std::vector<std::string> keys = baseKeys(state.range(0));
-    ConfigParserData data;
+    ConfigStore store;
     for (const std::string& key : keys) {
-        data.listOf(kGroup, key).emplace_back().text = kText;
+        store.valueList(kGroup, key).emplace_back().text = kText;
     }
-    expect(state, drawnTexts(data, keys), repeated(kText, state.range(0)));
+    expect(state, drawnTexts(store, keys), repeated(kText, state.range(0)));
     for (auto _ : state) {
-        benchmark::DoNotOptimize(drawnTexts(data, keys).data());
+        benchmark::DoNotOptimize(drawnTexts(store, keys).data());
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
