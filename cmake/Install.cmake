@@ -12,8 +12,11 @@ install(FILES
     src/config_parser.h
     src/config_value.h
     src/config_writer.h
+    src/diagnostic.h
     src/generator_helpers.h
+    src/load_event.h
     src/parser_types.h
+    src/template_text.h
     src/vocabulary.h
     src/vocabulary_names.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarnwick COMPONENT development)

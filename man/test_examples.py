@@ -61,10 +61,15 @@ def test_every_option_of_the_usage_text_is_a_heading_of_the_options_section():
 NO_MESSAGE = re.compile(r"""//[^\n]*|TARNWICK_DLOPEN_NOTE\([^;]*;|'"'""")
 
 
+# Stands for a field of a diagnostic in the words of its record.
+PLACEHOLDER = re.compile(r"\{[a-z]+\}")
+
+
 def messages_of(source):
     """The literal texts of three words and more in a C++ source file."""
     literals = re.findall(r'"((?:[^"\\\n]|\\.)*)"', NO_MESSAGE.sub("", source))
-    texts = (literal.replace("\\n", "").strip() for literal in literals)
+    pieces = (piece for literal in literals for piece in PLACEHOLDER.split(literal))
+    texts = (piece.replace("\\n", "").strip() for piece in pieces)
     return [text for text in texts if len(text.split()) >= 3 and "%s" not in text]
 
 

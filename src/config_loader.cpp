@@ -1,79 +1,91 @@
-// The loading operations of ConfigParser.
+#include "config_loader.h"
 
-#include <cstdint>
 #include <stdexcept>
 
-#include "config_file.h"
-#include "config_parser.h"
-#include "config_parser_data.h"
-#include "logging/log_record.h"
 #include "support/find_files.h"
 #include "support/split_string.h"
+#include "support/trim.h"
 #include "vocabulary.h"
 
 namespace Tarnwick::Parser {
 namespace {
 
-using Logging::logError;
-using Logging::parserLogger;
-
-std::string withTrailingSlash(const std::string& dir) {
-    return dir.ends_with('/') ? dir : dir + '/';
+std::string withTrailingSlash(const std::string& directory) {
+    return directory.ends_with('/') ? directory : directory + '/';
 }
 
-std::vector<std::string> findConfigFiles(const std::string& dir) {
-    return findFiles(withTrailingSlash(dir) + kFilePattern);
+std::uint32_t valueColumn(const ConfigFileIterator& entry) {
+    return static_cast<std::uint32_t>(entry.key().size() + 2);
 }
 
-// The mode that an entry is stored by, or -1 for a key that is not taken.
-std::int32_t modeOf(const ConfigStore& store, const ConfigFileIterator& entry) {
-    return store.hasRegistry() ? store.keyMode(entry.group(), std::string(entry.key()))
-                               : static_cast<std::int32_t>(KeyMode::Append);
-}
+/// Tells which keys are taken, and how. A pass for a few registered keys reads files full of
+/// others: whether their group holds a registered one is found once for a run of them.
+class KeyFilter {
+public:
+    explicit KeyFilter(const ConfigStore& store)
+        : store_(store), takesGroup_(store.registersGroup(group_)) {}
 
-void storePiece(ConfigParser& parser, const std::string& group, const std::string& key,
-                std::string_view piece, KeyMode mode) {
-    // Templates are expanded whatever the mode, also when the text is then dropped.
-    ConfigValue value;
-    if (!parser.parseTemplates(piece, value)) {
-        return;  // reported where it failed; the file still counts as loaded
-    }
-    if (mode == KeyMode::Replace) {
-        parser.replaceValues(group, key, std::move(value));
-    } else if (mode == KeyMode::Append) {
-        parser.appendValue(group, key, std::move(value));
-    }
-}
-
-void storeEntry(ConfigParser& parser, const ConfigFileIterator& entry, KeyMode mode) {
-    const std::string key(entry.key());
-    if (entry.value().empty()) {
-        parser.removeKey(entry.group(), key);
-        return;
-    }
-    std::string_view rest = entry.value();
-    std::string_view piece;
-    while (takePiece(rest, ';', piece)) {
-        if (!piece.empty()) {
-            storePiece(parser, entry.group(), key, piece, mode);
+    /// Returns the key's mode as a number, or -1 for a key that is not taken.
+    [[nodiscard]] std::int32_t modeOf(const ConfigFileIterator& entry) {
+        if (!store_.hasRegistry()) {
+            return static_cast<std::int32_t>(KeyMode::Append);
         }
+        if (entry.group() != group_) {
+            group_ = entry.group();
+            takesGroup_ = store_.registersGroup(group_);
+        }
+        return takesGroup_ ? store_.keyMode(group_, std::string(entry.key())) : -1;
     }
-}
 
-[[noreturn]] void rethrowWithPlace(const std::length_error& error, const std::string& path,
-                                   const ConfigFileIterator& entry) {
-    throw std::length_error(path + ": key '" + std::string(entry.key()) + "' of group '" +
-                            entry.group() + "': " + error.what());
+private:
+    const ConfigStore& store_;
+    std::string group_;  // of the last key
+    bool takesGroup_;
+};
+
+[[noreturn]] void throwWithPlace(const BlankText& error, const std::string& path,
+                                 const ConfigFileIterator& entry) {
+    throw std::length_error(path + ':' + std::to_string(entry.lineNumber()) + ": key '" +
+                            std::string(entry.key()) + "' of group '" + entry.group() +
+                            "': " + error.what());
 }
 
 }  // namespace
 
-LoadResult ConfigParser::loadConfigs(const std::vector<std::string>& dirs) {
+std::vector<std::string> listConfigFiles(const std::string& directory) {
+    return findFiles(withTrailingSlash(directory) + kFilePattern);
+}
+
+bool expandText(std::string_view text, const TemplateContext& context, const LoadListener& listener,
+                ConfigValue& out) {
+    LoadTeller teller(listener);
+    teller.beginEntry(0, 1, {}, {}, text);
+    const DiagnosticSink sink = [&teller](const Diagnostic& found) {
+        logDiagnostic(found);
+        teller.fault(found);
+    };
+    const bool isExpanded = TemplateExpander(context, sink).expand(text, out, teller.outcomes());
+    if (isExpanded) {
+        teller.stored(out);
+    } else {
+        teller.dropped();
+    }
+    return isExpanded;
+}
+
+ConfigLoader::ConfigLoader(ConfigStore& store, const TemplateContext& context,
+                           const LoadListener& listener)
+    : store_(store),
+      teller_(listener),
+      sink_([this](const Diagnostic& found) { report(found); }),
+      expander_(context, sink_) {}
+
+LoadResult ConfigLoader::loadConfigs(const std::vector<std::string>& directories) {
     LoadResult result = LoadResult::NoConfiguration;
-    for (const std::string& dir : dirs) {
-        for (const std::string& path : findConfigFiles(dir)) {
+    for (const std::string& directory : directories) {
+        for (const std::string& path : listConfigFiles(directory)) {
             if (!loadFile(path)) {
-                logError(parserLogger) << "Invalid configuration in " << path;
+                report({.problem = Problem::ConfigurationInvalid, .place = {.file = path}});
                 return LoadResult::InvalidConfiguration;
             }
             result = LoadResult::Ok;
@@ -82,10 +94,11 @@ LoadResult ConfigParser::loadConfigs(const std::vector<std::string>& dirs) {
     return result;
 }
 
-bool ConfigParser::loadDirectory(const std::string& dir) {
-    const std::vector<std::string> paths = findConfigFiles(dir);
+bool ConfigLoader::loadDirectory(const std::string& directory) {
+    const std::vector<std::string> paths = listConfigFiles(directory);
     if (paths.empty()) {
-        logError(parserLogger) << "No configuration to read in " << withTrailingSlash(dir);
+        const std::string searched = withTrailingSlash(directory);
+        report({.problem = Problem::DirectoryEmpty, .place = {.file = searched}});
         return false;
     }
     bool isLoaded = true;
@@ -95,23 +108,67 @@ bool ConfigParser::loadDirectory(const std::string& dir) {
     return isLoaded;
 }
 
-bool ConfigParser::loadFile(const std::string& path) {
+bool ConfigLoader::loadFile(const std::string& path) {
+    teller_.file(path);
     ConfigFile file(path);
-    for (ConfigFileIterator entry(file); entry.hasEntry() && !file.failed; ++entry) {
-        const std::int32_t mode = modeOf(data_->store, entry);
+    KeyFilter filter(store_);
+    for (ConfigFileIterator entry(file, sink_); entry.hasEntry() && !file.failed; ++entry) {
+        const std::int32_t mode = filter.modeOf(entry);
         if (mode == -1) {
             continue;
         }
         try {
-            storeEntry(*this, entry, static_cast<KeyMode>(mode));
-        } catch (const std::length_error& error) {
-            rethrowWithPlace(error, path, entry);
+            storeEntry(entry, static_cast<KeyMode>(mode));
+        } catch (const BlankText& error) {
+            report({.problem = Problem::ValueBlank, .text = entry.value()});
+            throwWithPlace(error, path, entry);
         }
     }
     if (file.failed) {
-        logError(parserLogger) << "Failed to load config from '" << path << "'";
+        report({.problem = Problem::FileFailed, .place = {.file = path}});
     }
     return !file.failed;
+}
+
+void ConfigLoader::storeEntry(const ConfigFileIterator& entry, KeyMode mode) {
+    teller_.beginEntry(entry.lineNumber(), valueColumn(entry), entry.group(), entry.key(),
+                       entry.value());
+    const std::string key(entry.key());
+    if (entry.value().empty()) {
+        teller_.removed(store_.removeKey(entry.group(), key));
+        return;
+    }
+    std::string_view rest = entry.value();
+    for (std::string_view piece; takePiece(rest, ';', piece);) {
+        teller_.beginPiece(piece);
+        if (piece.empty()) {
+            teller_.dropped(Problem::PieceEmpty);
+        } else {
+            storePiece(entry.group(), key, piece, mode);
+        }
+    }
+}
+
+void ConfigLoader::storePiece(const std::string& group, const std::string& key,
+                              std::string_view piece, KeyMode mode) {
+    // Templates are expanded whatever the mode, also when the text is then dropped.
+    ConfigValue value;
+    if (!expander_.expand(piece, value, teller_.outcomes())) {
+        teller_.dropped();  // the file still counts as loaded
+    } else if (mode == KeyMode::Replace) {
+        teller_.stored(store_.replaceValues(group, key, std::move(value)));
+    } else if (mode != KeyMode::Append) {
+        teller_.dropped(Problem::ModeWithoutName);
+    } else if (const ConfigValue* stored = store_.appendValue(group, key, std::move(value))) {
+        teller_.stored(*stored);
+    } else {
+        teller_.dropped(Problem::ValueEmpty);
+    }
+}
+
+void ConfigLoader::report(const Diagnostic& found) {
+    logDiagnostic(found);
+    teller_.fault(found);
 }
 
 }  // namespace Tarnwick::Parser

@@ -37,6 +37,11 @@ std::int32_t ConfigStore::keyMode(const std::string& group, const std::string& k
     return entry == registry_.end() ? -1 : static_cast<std::int32_t>(entry->second);
 }
 
+bool ConfigStore::registersGroup(const std::string& group) const {
+    return std::any_of(registry_.begin(), registry_.end(),
+                       [&](const auto& entry) { return entry.first.first == group; });
+}
+
 void ConfigStore::checkKeyAdded(const std::string& group, const std::string& key) const {
     if (hasRegistry() && !registry_.contains({group, key})) {
         Logging::logWarning(Logging::parserLogger)
@@ -73,22 +78,23 @@ const std::vector<ConfigValue>* ConfigStore::find(const std::string& group,
 }
 
 std::vector<ConfigValue>& ConfigStore::valueList(const std::string& group, const std::string& key) {
-    return values_[group][key];
+    const auto keys = values_.find(group);  // groups are few: quicker than a hash
+    return (keys != values_.end() ? keys->second : values_[group])[key];
 }
 
-const ConfigValue* ConfigStore::appendValue(const std::string& group, const std::string& key,
-                                            ConfigValue value) {
+ConfigValue* ConfigStore::appendValue(const std::string& group, const std::string& key,
+                                      ConfigValue&& value) {
     if (value.isEmpty()) {
         return nullptr;
     }
     return &valueList(group, key).emplace_back(std::move(value));
 }
 
-const ConfigValue* ConfigStore::replaceValues(const std::string& group, const std::string& key,
-                                              ConfigValue value) {
+ConfigValue& ConfigStore::replaceValues(const std::string& group, const std::string& key,
+                                        ConfigValue value) {
     std::vector<ConfigValue>& values = valueList(group, key);
     values.clear();
-    return &values.emplace_back(std::move(value));
+    return values.emplace_back(std::move(value));
 }
 
 std::size_t ConfigStore::removeKey(const std::string& group, const std::string& key) {

@@ -30,6 +30,9 @@ public:
     /// Returns whether any key is registered. If none is, every key is taken.
     [[nodiscard]] bool hasRegistry() const { return !registry_.empty(); }
 
+    /// Returns whether any key of the group is registered.
+    [[nodiscard]] bool registersGroup(const std::string& group) const;
+
     /// Returns the registered mode as a number, or -1 when the key is not registered.
     [[nodiscard]] std::int32_t keyMode(const std::string& group, const std::string& key) const;
 
@@ -63,12 +66,10 @@ public:
 
     /// Adds the value to the key's list and returns it as it stands there. An empty value is not
     /// added, and the result is null.
-    const ConfigValue* appendValue(const std::string& group, const std::string& key,
-                                   ConfigValue value);
+    ConfigValue* appendValue(const std::string& group, const std::string& key, ConfigValue&& value);
 
     /// Makes the value, also an empty one, the key's only value and returns it as it stands there.
-    const ConfigValue* replaceValues(const std::string& group, const std::string& key,
-                                     ConfigValue value);
+    ConfigValue& replaceValues(const std::string& group, const std::string& key, ConfigValue value);
 
     /// Removes the key and returns how many values went with it. The group stays.
     std::size_t removeKey(const std::string& group, const std::string& key);

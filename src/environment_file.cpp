@@ -27,6 +27,10 @@ std::optional<std::string> assignedValue(std::string_view line, const std::strin
     return withoutQuotes(trim(parts[1]));
 }
 
+[[noreturn]] void throwWithPath(const BlankText& error, const std::string& path) {
+    throw BlankText("environment file '" + path + "': " + error.what());
+}
+
 bool isLine(LineReader::Outcome outcome) {
     return outcome == LineReader::Outcome::Line || outcome == LineReader::Outcome::UnterminatedLine;
 }
@@ -40,8 +44,12 @@ std::optional<std::string> readEnvFile(const std::string& path, const std::strin
     std::string_view line;
     LineReader::Outcome outcome = reader.next(line);
     for (; isLine(outcome); outcome = reader.next(line)) {
-        if (auto assigned = assignedValue(line, name)) {
-            value = std::move(assigned);
+        try {
+            if (auto assigned = assignedValue(line, name)) {
+                value = std::move(assigned);
+            }
+        } catch (const BlankText& error) {
+            throwWithPath(error, path);
         }
     }
     if (report && outcome == LineReader::Outcome::Failure) {

@@ -22,8 +22,8 @@ namespace Tarnwick::Parser {
 /// variable specified in environment file 'PATH'", both at the error level. Without it nothing
 /// is logged.
 ///
-/// Throws `std::length_error` for an assignment whose name is white space alone, and for one of
-/// `name` whose value is (see `trim`).
+/// Throws `BlankText`, with the path in its text, for an assignment whose name is white space
+/// alone, and for one of `name` whose value is (see `trim`).
 [[nodiscard]] std::optional<std::string> readEnvFile(const std::string& path,
                                                      const std::string& name, bool report);
 

@@ -8,7 +8,6 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <stdexcept>
 
 #include "config_parser.h"
 #include "logging/log_record.h"
@@ -37,17 +36,12 @@ bool hasGeneratedUser(const ConfigParser& parser) {
            parser.hasKey(kGroupGeneratedConfig, kKeyBaseUid);
 }
 
-// Reads a key of the generated group; what cannot be read leaves with the key's name.
+// Reads a key of the generated group.
 template <typename T>
 void take(const ConfigParser& parser, const std::string& key, T& output) {
     parser.checkKeyAdded(kGroupGeneratedConfig, key);
-    if (!parser.hasKey(kGroupGeneratedConfig, key)) {
-        return;
-    }
-    try {
+    if (parser.hasKey(kGroupGeneratedConfig, key)) {
         parser.getValue(kGroupGeneratedConfig, key, output);
-    } catch (const std::out_of_range& error) {
-        throw std::out_of_range(kGroupGeneratedConfig + "/" + key + ": " + error.what());
     }
 }
 

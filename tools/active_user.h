@@ -16,8 +16,7 @@ namespace Tarnwick::Parser::Tool {
 ///
 /// Returns 0, or -1 when a file failed to load, no user was found or the user has no password
 /// entry; the cause has been logged by then. Throws `std::length_error` as
-/// `ConfigParser::loadConfigs` does, and `std::out_of_range` as `ConfigParser::getValue` does,
-/// with group and key in its text.
+/// `ConfigParser::loadConfigs` does, and `std::out_of_range` as `ConfigParser::getValue` does.
 [[nodiscard]] int resolveUser(const std::vector<std::string>& directories, std::int32_t* userId,
                               std::string* userName, std::string* instance, std::string* home,
                               std::int32_t* baseUid);

@@ -100,8 +100,8 @@ ExitStatus answer(const Options& options) {
     return printValue(parser, options);
 }
 
-// What an exception says names file, group and key when it left a load, and group and key when it
-// left a generated setting.
+// What an exception says names the place: file, line, group and key when it left a load, group and
+// key of the value at fault when it left a lookup.
 ExitStatus answerOrReport(const Options& options) {
     try {
         return answer(options);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <stdexcept>
 
 namespace Tarnwick::Parser {
 namespace {
@@ -25,7 +24,7 @@ std::string_view trimmed(std::string_view text) {
     }
     const auto first = std::find_if_not(text.begin(), text.end(), isSpace);
     if (first == text.end()) {
-        throw std::length_error("a text of white space alone cannot be trimmed");
+        throw BlankText("a text of white space alone cannot be trimmed");
     }
     const auto last = std::find_if_not(text.rbegin(), text.rend(), isSpace).base();
     return {first, last};

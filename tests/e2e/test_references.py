@@ -96,7 +96,7 @@ def test_the_place_of_a_reference_is_counted_before_trimming(ask, value, answer)
 def test_a_place_past_the_end_of_the_text_ends_the_request(ask, value, listing):
     outcome = ask(f"[Config]\nK={value}\n[A]\nB=R\n", *listing)
     assert outcome[:2] == (1, b"")
-    assert is_critical_record(outcome.err, "Config", "K")
+    assert is_critical_record(outcome.err, "Config/K", "Config/K: ")
 
 
 def test_a_place_past_the_end_harms_nobody_who_does_not_look(ask):
@@ -106,7 +106,7 @@ def test_a_place_past_the_end_harms_nobody_who_does_not_look(ask):
 def test_a_place_past_the_end_ends_the_request_of_a_key_that_draws_on_it(ask):
     outcome = ask("[Config]\nK=${config:A/Bad}\n[A]\nBad= x${config:A/B}\n")
     assert outcome[:2] == (1, b"")
-    assert is_critical_record(outcome.err, "Config", "K")
+    assert is_critical_record(outcome.err, "Config/K", "A/Bad: ")
 
 
 def test_a_place_past_the_end_of_a_generated_key_is_told_by_that_key(ask):

@@ -61,9 +61,9 @@ TEST(ConfigStore, ReturnsTheValueThatReplacesTheOthersAlsoAnEmptyOne) {
     ConfigStore store;
     store.appendValue("G", "K", plain("a"));
     store.appendValue("G", "K", plain("b"));
-    const ConfigValue* stored = store.replaceValues("G", "K", ConfigValue());
+    const ConfigValue& stored = store.replaceValues("G", "K", ConfigValue());
     EXPECT_EQ(store.valueList("G", "K").size(), 1U);
-    EXPECT_EQ(stored, store.valueList("G", "K").data());
+    EXPECT_EQ(&stored, store.valueList("G", "K").data());
 }
 
 TEST(ConfigStore, KeepsACopyOfAnElementThatReplacesItsOwnList) {
