@@ -9,6 +9,7 @@ from . import inputs
 
 TOOL = "tarnwick-parse-config"
 EMPTY = "empty C program"
+CAREFUL = "careful C++ reader"
 LIMIT = "slices in C"
 GIT = "git config"
 KEY_FILE = "GKeyFile"
@@ -69,6 +70,7 @@ def known_programs(build):
     return [
         Program(EMPTY, built(peers / "empty"), lambda source: [], answers=False),
         Program(TOOL, built(Path(build) / "tools" / TOOL), tool_arguments),
+        Program(CAREFUL, built(peers / "careful"), same_arguments),
         Program(LIMIT, built(peers / "slices"), same_arguments),
         Program("libinih", built(peers / "inih"), same_arguments),
         Program(KEY_FILE, built(peers / "gkeyfile"), same_arguments),
