@@ -2,6 +2,7 @@
 
 import os
 import shutil
+import sys
 from pathlib import Path
 from typing import Callable, NamedTuple
 
@@ -80,6 +81,14 @@ def known_programs(build):
         Program("crudini", installed("crudini"), crudini_arguments,
                 most_keys=10_000, most_files=100),
     ]
+
+
+def built_tool(build):
+    """The tool in a build tree; ends the process when there is none."""
+    (tool,) = (program for program in known_programs(build) if program.name == TOOL)
+    if not tool.path:
+        sys.exit(f"There is no tool in {build}.")
+    return tool
 
 
 def able_programs(programs, source):

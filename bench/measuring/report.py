@@ -4,6 +4,9 @@ from typing import NamedTuple, Optional
 
 from .programs import CAREFUL, KEY_FILE, LIMIT, TOOL
 
+# Instructions of one request; bench/budget fails above the first.
+MOST_INSTRUCTIONS, AIMED_INSTRUCTIONS = 1_060_000, 1_000_000
+
 # Where a page shows what was measured last.
 BEGIN, END = "<!-- measured: begin -->\n", "<!-- measured: end -->\n"
 
