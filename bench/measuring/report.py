@@ -10,6 +10,16 @@ MOST_INSTRUCTIONS, AIMED_INSTRUCTIONS = 1_060_000, 1_000_000
 # Where a page shows what was measured last.
 BEGIN, END = "<!-- measured: begin -->\n", "<!-- measured: end -->\n"
 
+# Functions in which one request spends its instructions, and what they do.
+PARTS = (
+    ("_dl_start", "the dynamic linker, which binds the C library"),
+    ("Init", "libstdc++'s locales and streams"),
+    ("resolveUser", "the first pass, and the user's entry in the password database"),
+    ("loadFile", "reads the files, in both passes"),
+    ("glob", "finds the files, in both passes"),
+    ("~ConfigParser", "frees what was stored"),
+)
+
 
 class Target(NamedTuple):
     """A figure, the most it may be, and what it had better be. One without either is shown."""
@@ -48,6 +58,15 @@ def startup_table(costs, calls, instructions):
              number(instructions[name] / 1000, 0), str(calls[name]), number(run.peak_mib, 1)]
             for name, run in costs.items()
         ],
+    )
+
+
+def parts_table(instructions):
+    """`instructions`: function name to what it takes, with all that it calls."""
+    thousands = {name: taken / 1000 for name, taken in instructions.items()}
+    return table(
+        ["function", "thousand instructions"],
+        [[f"`{name}`: {what}", number(thousands.get(name), 0)] for name, what in PARTS],
     )
 
 

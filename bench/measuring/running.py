@@ -122,6 +122,19 @@ def profile_instructions(arguments, environment):
         yield int(number.replace(",", "")), float(percent), function
 
 
+def bare_name(function):
+    """The name alone, without its scope, parameters and symbol version."""
+    return re.split(r"[(@]", function.replace("(anonymous namespace)::", ""))[0].split("::")[-1]
+
+
+def instructions_by_name(arguments, environment):
+    """Bare function name to instructions with all that it calls; the dearest of several."""
+    found = {}
+    for number, _, function in profile_instructions(arguments, environment):
+        found.setdefault(bare_name(function), number)
+    return found
+
+
 def count_allocations(arguments, environment):
     pattern = r"total heap usage: ([\d,]+) allocs"
     return count_with_valgrind(["--tool=memcheck"], pattern, arguments, environment)
