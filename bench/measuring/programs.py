@@ -16,6 +16,10 @@ GIT = "git config"
 KEY_FILE = "GKeyFile"
 
 
+def is_answer(source, printed):
+    return printed == source.answer + "\n"
+
+
 class Program(NamedTuple):
     name: str
     path: str
@@ -24,6 +28,7 @@ class Program(NamedTuple):
     most_files: int = 1000
     answers: bool = True  # it reads the input and prints the value
     environment: Callable[[inputs.Input], dict] = lambda source: {}
+    is_right: Callable[[inputs.Input, str], bool] = is_answer  # what a reader printed
 
 
 def same_arguments(source):

@@ -127,6 +127,18 @@ def targets_table(targets):
     )
 
 
+def companion_table(costs):
+    """The commands of the people's program, and the tool where it does the same work."""
+    return table(
+        ["command", f"time ({TOOL} = 1)", "ms", "processor ms", "peak MiB"],
+        [
+            [name, number(ratio(costs, name, TOOL)), number(run.seconds * 1e3),
+             number(run.processor_seconds * 1e3), number(run.peak_mib, 1)]
+            for name, run in costs.items()
+        ],
+    )
+
+
 def references_table(listing, lookup):
     return table(
         ["request of the same file", "time (one plain value = 1)", "ms", "peak MiB"],
