@@ -5,6 +5,7 @@ import subprocess
 
 COLOURS = {
     "tarnwick-parse-config": "#c0392b",
+    "careful C++ reader": "#f1c40f",
     "slices in C": "#7f8c8d",
     "libinih": "#27ae60",
     "GKeyFile": "#2980b9",
