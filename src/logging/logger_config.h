@@ -119,6 +119,13 @@ public:
     /// `std::out_of_range` as `ConfigParser::getValue` does.
     bool setTarget(const ConfigParser* config);
 
+    /// Returns whether the setters of a level would take the text.
+    [[nodiscard]] static bool isLevel(const std::string& text);
+
+    /// Returns whether the setters of a target may take the text: one of the names, or an absolute
+    /// path. The file is not looked at, so it may still be refused.
+    [[nodiscard]] static bool isTarget(const std::string& text);
+
     /// Returns whether a record of `level` would be written.
     [[nodiscard]] bool isEnabled(Level level) const;
 
