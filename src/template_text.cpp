@@ -1,5 +1,6 @@
 #include "template_text.h"
 
+#include <algorithm>
 #include <array>
 
 #include "support/split_string.h"
@@ -98,6 +99,16 @@ TemplateToken classifyTemplate(std::string_view name) {
     token.name = name;
     token.end = name.size();
     return token;
+}
+
+std::span<const std::string_view> templateSourceNames() {
+    static constexpr auto kNames = [] {
+        std::array<std::string_view, kSources.size()> names;
+        std::transform(kSources.begin(), kSources.end(), names.begin(),
+                       [](const SourceRow& row) { return row.name; });
+        return names;
+    }();
+    return kNames;
 }
 
 bool TemplateCursor::next(TemplateToken& token) {
