@@ -3,6 +3,7 @@
 #include <poll.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <climits>
@@ -138,12 +139,17 @@ std::int32_t watchSeat(LoginMonitor& monitor, std::int32_t first, int timeoutSec
 
 }  // namespace
 
+std::span<const std::string* const> generatedUserKeys() {
+    static constexpr std::array kKeys{&kKeyBaseUid, &kKeyHome, &kKeyInstance, &kKeyUserId,
+                                      &kKeyUser};
+    return kKeys;
+}
+
 int resolveUser(const std::vector<std::string>& directories, std::int32_t* userId,
                 std::string* userName, std::string* instance, std::string* home,
                 std::int32_t* baseUid) {
     ConfigParser parser(0);
-    for (const std::string* key :
-         {&kKeyBaseUid, &kKeyHome, &kKeyInstance, &kKeyUserId, &kKeyUser}) {
+    for (const std::string* key : generatedUserKeys()) {
         parser.addKey(kGroupGeneratedConfig, *key, KeyMode::Replace);
     }
     if (parser.loadConfigs(directories) == LoadResult::InvalidConfiguration) {
