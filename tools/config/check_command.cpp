@@ -203,21 +203,28 @@ private:
             return;
         }
         ++(fault.severity == Severity::Error ? summary_.errors : summary_.warnings);
+        errno = 0;
         report_->add(fault);
+        watchOutput();
     }
 
-    // Shows what was found so far. Nobody reads on when nobody can see what is found.
+    // Shows what was found so far. Returns whether anybody can still see it.
     [[nodiscard]] bool flush() {
         errno = 0;
         std::cout.flush();
-        if (!std::cout.good() && !isStopped_) {
-            isStopped_ = true;
-            isUnavailable_ = true;
-            if (errno != EPIPE) {  // a reader that has seen enough
-                std::cerr << "tarnwick-config: cannot write to the standard output\n";
-            }
-        }
+        watchOutput();
         return !isStopped_;
+    }
+
+    void watchOutput() {
+        if (std::cout.good() || isStopped_) {
+            return;
+        }
+        isStopped_ = true;
+        isUnavailable_ = true;
+        if (errno != EPIPE) {  // a reader that has seen enough
+            std::cerr << "tarnwick-config: cannot write to the standard output\n";
+        }
     }
 
     void complain(const std::string& path, const std::string& problem) {

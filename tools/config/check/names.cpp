@@ -1,7 +1,7 @@
 #include "config/check/names.h"
 
 #include <algorithm>
-#include <cctype>
+#include <array>
 #include <cstddef>
 
 #include "logging/logger_state.h"
@@ -15,36 +15,49 @@ constexpr std::size_t kLongestName = 40;  // no longer one is like a name of the
 // A letter in the other case costs 1, any other edit this much.
 constexpr std::size_t kEdit = 4;
 
+char lowerCase(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
 std::size_t costOf(char left, char right) {
     if (left == right) {
         return 0;
     }
-    const auto lower = [](char letter) { return std::tolower(static_cast<unsigned char>(letter)); };
-    return lower(left) == lower(right) ? 1 : kEdit;
+    return lowerCase(left) == lowerCase(right) ? 1 : kEdit;
 }
+
+using Row = std::array<std::size_t, kLongestName + 1>;
 
 // The edit distance in which two neighbours that have changed places count as one edit.
 std::size_t distance(std::string_view left, std::string_view right) {
-    std::vector<std::size_t> beforeLast;
-    std::vector<std::size_t> last(right.size() + 1);
+    Row beforeLast{};
+    Row last{};
+    Row current{};
     for (std::size_t column = 0; column <= right.size(); ++column) {
         last[column] = column * kEdit;
     }
     for (std::size_t row = 1; row <= left.size(); ++row) {
-        std::vector<std::size_t> current(right.size() + 1, row * kEdit);
+        current[0] = row * kEdit;
         for (std::size_t column = 1; column <= right.size(); ++column) {
+            const std::size_t replaced =
+                last[column - 1] + costOf(left[row - 1], right[column - 1]);
             current[column] =
-                std::min({last[column] + kEdit, current[column - 1] + kEdit,
-                          last[column - 1] + costOf(left[row - 1], right[column - 1])});
+                std::min({last[column] + kEdit, current[column - 1] + kEdit, replaced});
             if (row > 1 && column > 1 && left[row - 1] == right[column - 2] &&
                 left[row - 2] == right[column - 1]) {
                 current[column] = std::min(current[column], beforeLast[column - 2] + kEdit);
             }
         }
-        beforeLast = std::move(last);
-        last = std::move(current);
+        beforeLast = last;
+        last = current;
     }
-    return last.back();
+    return last[right.size()];
+}
+
+bool mayBeNear(std::string_view name, std::string_view candidate, std::size_t least) {
+    const std::size_t longer = std::max(name.size(), candidate.size());
+    const std::size_t shorter = std::min(name.size(), candidate.size());
+    return longer <= kLongestName && (longer - shorter) * kEdit <= least;
 }
 
 // One edit in a short name, one in three letters of a long one; any number of letters' cases.
@@ -61,6 +74,9 @@ std::string suggestion(std::string_view name, const std::vector<std::string_view
     std::string_view nearest;
     std::size_t least = farthest(name.size()) + 1;
     for (const std::string_view candidate : names) {
+        if (!mayBeNear(name, candidate, least)) {
+            continue;
+        }
         const std::size_t far = distance(name, candidate);
         const std::size_t edits = far / kEdit;
         const bool isNear = edits < std::max(name.size(), candidate.size());
