@@ -9,6 +9,8 @@ namespace {
 constexpr std::size_t kLongestExcerpt = 160;
 constexpr std::size_t kBeforeFault = 60;
 
+constexpr std::string_view kHole = "{name}";
+
 bool isInsideCharacter(std::string_view text, std::size_t offset) {
     return offset < text.size() && (static_cast<unsigned char>(text[offset]) & 0xc0U) == 0x80U;
 }
@@ -42,11 +44,13 @@ Span spanOf(std::string_view part, std::string_view whole) {
 
 std::string wordsOf(RuleId rule, std::string_view name) {
     const std::string_view words = ruleOf(rule).words;
-    const std::size_t hole = words.find("{}");
+    const std::size_t hole = words.find(kHole);
     if (hole == words.npos) {
         return std::string(words);
     }
-    return std::string(words.substr(0, hole)).append(name).append(words.substr(hole + 2));
+    return std::string(words.substr(0, hole))
+        .append(name)
+        .append(words.substr(hole + kHole.size()));
 }
 
 Fault makeFault(RuleId rule, const SourceLine& line, Span span, std::string_view name) {

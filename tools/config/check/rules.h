@@ -55,7 +55,7 @@ struct Rule {
     RuleId id;
     std::string_view name;
     Severity severity;
-    std::string_view words;   ///< of the message; "{}" stands for the text at fault
+    std::string_view words;   ///< of the message; "{name}" stands for the text at fault
     std::string_view hint;    ///< what to do about it, or empty
     std::string_view manual;  ///< when it is found, for the list of ids
 };
