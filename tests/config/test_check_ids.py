@@ -124,8 +124,8 @@ def test_what_everybody_may_write_is_a_warning(check, directory):
 
 
 def test_keys_below_a_rejected_header_or_in_an_unknown_group_are_not_judged(check):
-    status, found = check("[Config\nNoSuchKey=1\n[Other]\nNoSuchKey=1\n")
-    assert found == ["a.conf:1:8 error group-not-closed", "a.conf:3:2 warning unknown-group"]
+    status, found = check("[Config\nNoSuchKey=1\nArch = 1\n[Other]\nNoSuchKey=1\nArch = 1\n")
+    assert found == ["a.conf:1:8 error group-not-closed", "a.conf:4:2 warning unknown-group"]
 
 
 def test_who_refers_to_a_key_at_fault_has_no_fault_of_its_own(check):

@@ -233,18 +233,16 @@ void FileChecker::checkKey(const SourceLine& line, std::string_view key) {
         fault.message = "no group stands above the key '" + shortened(key) + "'";
         sink_(fault);
     }
-    if (!isGroupRejected_ && isGroupKnown_ && names_.hasKey(group_, name)) {
+    if (isGroupRejected_ || !isGroupKnown_ || names_.hasKey(group_, name)) {
         return;
     }
     if (key.ends_with(' ')) {
         sink_(makeFault(RuleId::KeyBlank, line, span, shortened(key)));
         return;
     }
-    if (!isGroupRejected_ && isGroupKnown_) {
-        Fault fault = makeFault(RuleId::UnknownKey, line, span, shortened(key));
-        fault.message += suggestion(key, names_.keys(group_));
-        sink_(fault);
-    }
+    Fault fault = makeFault(RuleId::UnknownKey, line, span, shortened(key));
+    fault.message += suggestion(key, names_.keys(group_));
+    sink_(fault);
 }
 
 void FileChecker::checkAccepted(const SourceLine& line, bool isTerminated) {
