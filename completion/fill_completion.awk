@@ -1,13 +1,30 @@
 # Fills a completion's source: "@GROUPS@" becomes the names of all groups, and the line that holds
 # "@KEYS_OF_EACH_GROUP@" one branch of a shell "case" for each group. Bash and zsh read it alike.
+# "@COMMANDS@" and "@IDS@" become the commands of tarnwick-config and the ids of its faults.
 #
-#     awk -f fill_completion.awk VOCABULARY SOURCE
+#     awk -v help=HELP -v faults=IDS -f fill_completion.awk VOCABULARY SOURCE
 #
-# VOCABULARY has a line "GROUP KEY" for every key.
+# VOCABULARY has a line "GROUP KEY" for every key; HELP and IDS are what the program prints.
+
+function joined(list, name) {
+    return list (list == "" ? "" : " ") name
+}
+
+BEGIN {
+    while ((getline line < faults) > 0) {
+        split(line, fields, "\t")
+        ids = joined(ids, fields[1])
+    }
+    while ((getline line < help) > 0) {
+        if (is_command && split(line, fields, " ") > 0)
+            commands = joined(commands, fields[1])
+        is_command = is_command || line == "Subcommands:"
+    }
+}
 
 NR == FNR {
     if (!($1 in keys))
-        groups = groups (groups == "" ? "" : " ") $1
+        groups = joined(groups, $1)
     keys[$1] = keys[$1] " " $2
     next
 }
@@ -21,5 +38,7 @@ NR == FNR {
 
 {
     gsub(/@GROUPS@/, groups)
+    gsub(/@COMMANDS@/, commands)
+    gsub(/@IDS@/, ids)
     print
 }

@@ -13,7 +13,7 @@ import subprocess
 import time
 
 import pytest
-from support.tool import run_tool
+from support.tool import run_config, run_tool
 
 BUILT = pathlib.Path(os.environ.get("TARNWICK_COMPLETIONS", ".")).resolve()
 TIME_LIMIT_SECONDS = 60
@@ -23,6 +23,7 @@ BASH_SETUP = r"""
 unset PROMPT_COMMAND
 bind '"\C-xa": insert-completions'
 source {built}/tarnwick-parse-config.bash
+source {built}/tarnwick-config.bash
 """
 ZSH_SETUP = r"""
 fpath=({built} $fpath)
@@ -212,3 +213,47 @@ def test_an_instance_name_is_left_to_the_user(offers):
 
 def test_a_variable_before_the_command_does_no_harm(offers):
     assert offers("LANG=C tarnwick-parse-config --log-level d") == ["debug"]
+
+
+# --- tarnwick-config ---
+
+
+def help_options(*command):
+    """The long options that the help text of a command lists."""
+    text = run_config(*command, "--help").stdout.decode()
+    return set(re.findall(r"^  (--?[a-z-]+)", text, flags=re.MULTILINE))
+
+
+def test_the_commands_are_offered_first(offers):
+    assert sorted(offers("tarnwick-config ")) == ["check", "files"]
+    assert offers("tarnwick-config --config vendor.conf.d --instance check ch") == ["check"]
+
+
+@pytest.mark.parametrize("command", ["check", "files"])
+def test_a_dash_offers_the_options_of_the_command_and_of_every_command(command, offers):
+    expected = help_options() | help_options(command)
+    assert set(offers(f"tarnwick-config {command} -")) | {"--help", "--version"} == expected
+
+
+def test_ignore_offers_every_id(offers):
+    ids = [line.split("\t")[0] for line in run_config("check", "--list-ids").stdout.decode().splitlines()]
+    assert sorted(word.rstrip(",") for word in offers("tarnwick-config check --ignore ")) == sorted(ids)
+
+
+def test_ignore_offers_ids_behind_a_comma(shell):
+    words = shell("tarnwick-config check --ignore nul-byte,bad-n")
+    assert words[-1].rstrip(",") == "nul-byte,bad-number"
+
+
+def test_forms_are_those_of_the_command(offers):
+    assert sorted(offers("tarnwick-config check --format ")) == ["gcc", "json", "text"]
+    assert sorted(offers("tarnwick-config files --format ")) == ["json", "text"]
+
+
+def test_a_path_is_a_file_or_a_directory(offers):
+    offered = offers("tarnwick-config check vendor-")
+    assert offered == ["vendor-file"]
+
+
+def test_known_offers_groups(offers):
+    assert sorted(offers("tarnwick-config check --known ")) == sorted(vocabulary())

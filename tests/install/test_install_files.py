@@ -34,11 +34,13 @@ LIBRARY_FILES = [
 OTHER_FILES = [
     "usr/bin/tarnwick-config",
     "usr/bin/tarnwick-parse-config",
+    "usr/share/bash-completion/completions/tarnwick-config",
     "usr/share/bash-completion/completions/tarnwick-parse-config",
     "usr/share/man/man1/tarnwick-config.1",
     "usr/share/man/man1/tarnwick-parse-config.1",
     "usr/share/man/man3/libtarnwick-parser.3",
     "usr/share/man/man5/tarnwick.conf.5",
+    "usr/share/zsh/vendor-completions/_tarnwick-config",
     "usr/share/zsh/vendor-completions/_tarnwick-parse-config",
 ]
 
