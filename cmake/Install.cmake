@@ -5,6 +5,9 @@ install(TARGETS tarnwick-parse-config tarnwick-config COMPONENT tool)
 # Where the tool looks by itself, whatever the prefix.
 install(DIRECTORY DESTINATION /etc/tarnwick.conf.d COMPONENT tool)
 
+# Where Vim looks for files of other packages.
+install(DIRECTORY vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles COMPONENT tool)
+
 install(TARGETS tarnwick-parser-shared EXPORT TarnwickParser
   LIBRARY COMPONENT library NAMELINK_COMPONENT development)
 install(FILES

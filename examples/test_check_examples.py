@@ -68,3 +68,36 @@ def test_the_job_prints_faults_as_compilers_do_and_keeps_the_report(text, status
     assert (result.returncode, result.stderr) == (status, "")
     assert len(result.stdout.splitlines()) == status
     assert json.loads((tmp_path / "report.json").read_text())["errors"] == status
+
+
+def vim(commands, environment, directory):
+    """Runs Vim's command mode over conf.d/a.conf; returns what it writes to the file "out"."""
+    command = ["vim", "-es", "-N", "-u", "NONE", "--cmd", f"set runtimepath^={ROOT}/vim"]
+    command += ["-c", "filetype on", "-c", "edit conf.d/a.conf", *(word for text in commands for word in ("-c", text))]
+    run([*command, "-c", "qall!"], environment, cwd=directory)
+    return (directory / "out").read_text().splitlines()
+
+
+@pytest.mark.skipif(not shutil.which("vim"), reason="vim is not installed")
+def test_vims_error_list_has_the_faults_in_their_places(environment, tmp_path):
+    (tmp_path / "conf.d").mkdir(mode=0o755)
+    (tmp_path / "conf.d" / "a.conf").write_text(BAD + "Hostnmae=x\n")
+    columns = "printf('%d:%d %s %s', v:val.lnum, v:val.col, v:val.type, fnamemodify(bufname(v:val.bufnr), ':t'))"
+    commands = ["compiler tarnwick", "silent make", f'call writefile(map(getqflist(), "{columns}"), "out")']
+    found = vim(commands, environment, tmp_path)
+    assert found == ["2:5 e a.conf", "3:1 w a.conf"]
+
+
+@pytest.mark.skipif(not shutil.which("vim"), reason="vim is not installed")
+def test_vims_syntax_tells_the_parts_of_a_line(environment, tmp_path):
+    (tmp_path / "conf.d").mkdir()
+    text = "# note\n[Config]\nArch=a;$$${env:A}$\n indented\n"
+    (tmp_path / "conf.d" / "a.conf").write_text(text)
+    name = "synIDattr(synID({}, {}, 1), 'name')"
+    places = [(1, 3), (2, 2), (3, 2), (3, 5), (3, 6), (3, 7), (3, 8), (3, 12), (3, 18), (4, 2)]
+    names = ", ".join(name.format(*place) for place in places)
+    commands = ["syntax on", "setfiletype tarnwick", f'call writefile([{names}], "out")']
+    assert vim(commands, environment, tmp_path) == [
+        f"tarnwick{part}"
+        for part in "Comment Group Key Equals Value Separator Escape Template Dollar Fault".split()
+    ]

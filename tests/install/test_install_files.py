@@ -40,6 +40,9 @@ OTHER_FILES = [
     "usr/share/man/man1/tarnwick-parse-config.1",
     "usr/share/man/man3/libtarnwick-parser.3",
     "usr/share/man/man5/tarnwick.conf.5",
+    "usr/share/vim/vimfiles/compiler/tarnwick.vim",
+    "usr/share/vim/vimfiles/ftdetect/tarnwick.vim",
+    "usr/share/vim/vimfiles/syntax/tarnwick.vim",
     "usr/share/zsh/vendor-completions/_tarnwick-config",
     "usr/share/zsh/vendor-completions/_tarnwick-parse-config",
 ]
