@@ -49,7 +49,7 @@ public:
         }
     }
 
-    void finish() {
+    void finish() const {
         if (options_.isJson) {
             std::cout << (hasAny_ ? "\n]}\n" : "{\"files\":[]}\n");
         }
