@@ -12,7 +12,11 @@ from text_examples import blocks_of, examples_in, idioms_in, run_example, run_id
 
 ROOT = pathlib.Path(__file__).parent.parent
 PAGES = sorted((ROOT / "man").glob("*.scd"))
-DOCUMENTS = [ROOT / "README.md", ROOT / "docs" / "file-format.md"]
+DOCUMENTS = [
+    ROOT / "README.md",
+    ROOT / "docs" / "file-format.md",
+    ROOT / "docs" / "reference.md",
+]
 BUILD = os.environ.get("TARNWICK_BUILD", "")
 
 EXAMPLES = [(path, example) for path in [*PAGES, *DOCUMENTS] for example in examples_in(path)]
