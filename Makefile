@@ -1,5 +1,5 @@
-# The front door: what a newcomer types. Each goal installs what it is missing, from
-# debian/control, and does nothing about it when everything is there.
+# The goals for everyday work. Each goal installs the packages that it needs and that are missing, from
+# debian/control. When all of them are installed, it needs neither root nor the network for that.
 
 .PHONY: help run test test-platform check bench fuzz coverage docs package bare test-arm64 test-armhf clean
 .PHONY: deps-build deps-test deps-check deps-package deps-bare build-release build-dev
