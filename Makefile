@@ -13,7 +13,7 @@ run: deps-build build-release  ## build, and answer requests over the example co
 test: deps-test build-dev  ## build, and run the tests that every change must pass
 	scripts/run-tests build/dev -j2
 
-test-platform: deps-test build-dev  ## the tests beside real systemd, logind and journald alone
+test-platform: deps-test build-dev  ## only the tests with real systemd, logind and journald
 	ctest --test-dir build/dev -V -R '^platform-services$$'
 
 check: deps-check  ## the longer checks: sanitizers, fuzzing, lint, ARM, install
@@ -34,7 +34,7 @@ docs: deps-check  ## the library's reference in build/docs
 package: deps-package  ## the Debian packages in build/packages
 	scripts/build-packages
 
-bare: deps-bare  ## clone the last commit onto a minimal Debian, and make GOAL (test) there; needs root
+bare: deps-bare  ## make GOAL (test) of the last commit on a minimal Debian; needs root
 	scripts/try-bare-machine make $(or $(GOAL),test)
 
 test-arm64 test-armhf: test-%:  ## build for ARM, and run the tests under emulation
