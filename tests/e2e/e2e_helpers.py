@@ -78,8 +78,8 @@ def load_failure(path):
 
 
 def is_critical_record(text, *words):
-    """True when `text` is one record at the critical level that holds all of `words`."""
-    record = re.fullmatch(rb"CRITICAL: [^\n]+\n", text)
+    """True when `text` is the one record of a value that cannot be had, and holds all of `words`."""
+    record = re.fullmatch(rb"CRITICAL: Cannot get '[^\n']+/[^\n']+': [^\n]+\n", text)
     return record is not None and all(os.fsencode(word) in text for word in words)
 
 

@@ -42,6 +42,20 @@ def test_the_reference_is_made_without_a_warning(tree):
     assert project_version() in first_page(tree)
 
 
+def test_the_first_page_links_the_headers_and_shows_the_readme_s_program(tree):
+    run(tree / "scripts" / "build-docs")
+    page = first_page(tree)
+    for header in doxyfile_headers() - {"api.h", "vocabulary_names.h"}:
+        link = header.rpartition("/")[2].replace("_", "__").replace(".h", "_8h")
+        assert re.search(rf'href="{link}[^"]*".*{re.escape(f"tarnwick/{header}")}', page), header
+        assert list((tree / "build" / "docs").glob(f"{link}*.html"))
+    [program] = re.findall(
+        r"<!-- program ask -->\n```cpp\n(.*?)```", (ROOT / "README.md").read_text(), flags=re.DOTALL
+    )
+    assert program in (ROOT / "docs" / "reference.md").read_text()
+    assert 'class="fragment"' in page
+
+
 def test_the_reference_has_every_constant_of_the_vocabulary(tree):
     run(tree / "scripts" / "build-docs")
     page = (tree / "build" / "docs" / "namespaceTarnwick_1_1Parser.html").read_text()

@@ -164,7 +164,8 @@ def test_without_a_journal_only_the_record_is_lost(device, lay_out, value, outpu
     assert (result.stdout, result.stderr, result.returncode) == (output, b"", status)
 
 
-# Starts the daemon, runs the command given, and lets the daemon store everything before it goes.
+# Starts the daemon, runs the command given, and lets the daemon store everything before it goes. The
+# daemon makes its sockets one after the other: it is ready once it answers at the last of them.
 WITH_DAEMON = """
 set -e
 mkdir /run/systemd/journald.conf.d
@@ -172,10 +173,7 @@ printf '[Journal]\\nStorage=volatile\\nReadKMsg=no\\nAudit=\\n' >/run/systemd/jo
 "$0" 2>/run/systemd/daemon.log &
 daemon=$!
 trap 'kill $daemon; wait $daemon || true' EXIT
-for attempt in $(seq 100); do
-    if [ -S /run/systemd/journal/socket ]; then break; fi
-    sleep 0.1
-done
+until journalctl --sync 2>/run/systemd/sync.log; do kill -0 $daemon; sleep 0.1; done
 "$@" || true
 journalctl --sync
 journalctl --directory=/run/log/journal --all --output=json SYSLOG_IDENTIFIER=tarnwick-parse-config

@@ -7,13 +7,19 @@ The login service keeps a session that ended last in its seat file until somethi
 
 import contextlib
 import json
+import pathlib
 import subprocess
+import sys
 import time
 
 import pytest
 
 from container import SHARED_INSIDE, TOOL_INSIDE, plain_environment
 from device import hurried, is_watching, wait_until
+
+ROOT = pathlib.Path(__file__).parents[2]
+sys.path.insert(0, str(ROOT / "man"))
+from text_examples import examples_in  # noqa: E402
 
 # Above the range that accounts usually come from; the low 8 bits are the letters A, B and C.
 USERS = {"tw-amber": 45121, "tw-birch": 45122, "tw-cedar": 45123}
@@ -351,3 +357,45 @@ def test_a_stopped_journal_costs_the_record_and_nothing_else(tool, system):
         assert tool.run("--user-id", "0", env=TO_JOURNAL) == (0, b"value\n", b"")
     finally:
         system.run("systemctl", "start", *units)
+
+
+@pytest.fixture
+def manual_units(system):
+    """The units of the manual's example, installed, with a directory for the default configuration."""
+    [example] = [
+        found
+        for found in examples_in(ROOT / "man" / "tarnwick-parse-config.1.scd")
+        if found.title == "units of systemd"
+    ]
+    units = {block.name: block.text for block in example.blocks if block.kind == "file"}
+    for name, text in units.items():
+        (system.shared / name).write_text(text)
+        system.run("cp", f"{SHARED_INSIDE}/{name}", f"/run/systemd/system/{name}")
+    system.run("mkdir", "-p", "/etc/tarnwick.conf.d")
+    system.run("systemctl", "daemon-reload")
+    yield
+    system.run("systemctl", "stop", *units)
+    system.run("rm", "-r", "/etc/tarnwick.conf.d")
+
+
+def set_data_root(system, line):
+    (system.shared / "units.conf").write_text(f"[Config]\n{line}\n")
+    system.run("cp", f"{SHARED_INSIDE}/units.conf", "/etc/tarnwick.conf.d/10-units.conf")
+
+
+def test_the_units_of_the_manual_hand_a_setting_on(manual_units, system):
+    set_data_root(system, "DataRoot=/var/tmp/two words")
+    system.run("mkdir", "-p", "/var/tmp/two words")
+    system.run("systemctl", "start", "container-usage.service")
+    system.run("journalctl", "--sync")
+    messages = system.run("journalctl", "--output=cat", "--unit=container-usage.service")
+    assert "\t/var/tmp/two words\n" in messages
+
+
+def test_the_units_of_the_manual_fail_without_a_value(manual_units, system):
+    set_data_root(system, "DataRoot=")
+    with pytest.raises(subprocess.CalledProcessError):
+        system.run("systemctl", "start", "container-usage.service")
+    show = ("systemctl", "show", "container-settings.service", "--property=ExecMainStatus", "--value")
+    assert system.run(*show) == "2\n"
+    system.run("systemctl", "reset-failed", "container-settings.service")

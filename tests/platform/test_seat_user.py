@@ -132,21 +132,31 @@ def test_a_seat_of_nobody_fails_when_the_wait_is_over(seat, tmp_path, text):
     assert (result.stdout, result.returncode) == (b"", 1)
 
 
+def looks_in_vain(seat, tmp_path, cause):
+    """The records of the looks at a seat that cannot be read, until the wait is over."""
+    with (tmp_path / "errors").open("wb+") as errors:
+        result = seat.run(*ARGUMENTS, env=hurried(), stderr=errors)
+        errors.seek(0)
+        *looks, timed_out, error = errors.read().splitlines(keepends=True)
+    assert timed_out == TIMED_OUT
+    assert error == NO_USER + os.strerror(cause).encode() + b"\n"
+    assert (result.stdout, result.returncode) == (b"", 1)
+    return looks
+
+
 @pytest.mark.parametrize(("text", "cause"), UNREADABLE.values(), ids=UNREADABLE)
 def test_an_unreadable_list_of_sessions_is_looked_at_until_the_wait_is_over(
     seat, tmp_path, text, cause
 ):
     lay_out(seat, text)
-    with (tmp_path / "errors").open("wb+") as errors:
-        result = seat.run(*ARGUMENTS, env=hurried(), stderr=errors)
-        errors.seek(0)
-        *looks, timed_out, error = errors.read().splitlines(keepends=True)
     # One look before the wait, one after it, and many without a pause while its last second passes.
+    # That second is a moment here, in which a busy machine may let others run: then once more.
+    for _ in range(10):
+        looks = looks_in_vain(seat, tmp_path, cause)
+        assert set(looks) == {NOT_READABLE}
+        if len(looks) > 10:
+            break
     assert len(looks) > 10
-    assert set(looks) == {NOT_READABLE}
-    assert timed_out == TIMED_OUT
-    assert error == NO_USER + os.strerror(cause).encode() + b"\n"
-    assert (result.stdout, result.returncode) == (b"", 1)
 
 
 def test_a_user_without_an_account_is_an_error_that_names_the_uid(seat):
