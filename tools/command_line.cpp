@@ -196,15 +196,4 @@ std::string programName(int count, const char* const* arguments) {
     return count > 0 ? arguments[0] : "";
 }
 
-std::string join(const std::vector<std::string>& texts, char separator) {
-    std::string joined;
-    for (const std::string& text : texts) {
-        if (&text != &texts.front()) {
-            joined += separator;
-        }
-        joined += text;
-    }
-    return joined;
-}
-
 }  // namespace Tarnwick::Parser::Tool
