@@ -8,8 +8,8 @@
 
 int main() {
     for (const auto& group : Tarnwick::Parser::vocabularyGroups()) {
-        for (const auto* key : group.keys) {
-            std::cout << *group.name << ' ' << *key << '\n';
+        for (const auto& key : group.keys) {
+            std::cout << *group.name << ' ' << *key.name << '\n';
         }
     }
     return std::cout.flush() ? EXIT_SUCCESS : EXIT_FAILURE;
