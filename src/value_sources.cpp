@@ -14,9 +14,6 @@
 #include "support/dynamic_library.h"
 #include "support/free.h"
 
-TARNWICK_DLOPEN_NOTE("properties", "Android properties in values", "suggested",
-                     "libandroid-properties.so.1");
-
 namespace Tarnwick::Parser {
 namespace {
 

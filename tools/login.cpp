@@ -7,8 +7,6 @@
 #include "support/dynamic_library.h"
 #include "support/free.h"
 
-TARNWICK_DLOPEN_NOTE("login", "The user of the active session", "recommended", "libsystemd.so.0");
-
 namespace Tarnwick::Parser::Tool {
 namespace {
 
