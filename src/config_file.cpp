@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "logging/log_record.h"
+#include "name_characters.h"
 #include "support/character_set.h"
 
 namespace Tarnwick::Parser {
@@ -105,7 +106,7 @@ void ConfigFileIterator::readGroup(std::string_view line) {
         return;
     }
     const std::string_view name = line.substr(1, line.size() - 2);
-    if (!isMadeOf(name, kNames)) {
+    if (!consistsOf(name, kNames)) {
         reject("Group name contains invalid characters in ", line);
         return;
     }

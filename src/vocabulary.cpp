@@ -1,6 +1,6 @@
 #include "vocabulary.h"
 
-#include "support/character_set.h"
+#include "name_characters.h"
 
 namespace Tarnwick::Parser {
 
