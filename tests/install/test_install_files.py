@@ -23,9 +23,11 @@ HEADERS = [
     "vocabulary_names.h",
 ]
 LIBRARY_FILES = [
-    "cmake/TarnwickParser/TarnwickParserConfig-release.cmake",
     "cmake/TarnwickParser/TarnwickParserConfig.cmake",
     "cmake/TarnwickParser/TarnwickParserConfigVersion.cmake",
+    "cmake/TarnwickParser/TarnwickParserTargets-release.cmake",
+    "cmake/TarnwickParser/TarnwickParserTargets.cmake",
+    "libtarnwick-parser.a",
     "libtarnwick-parser.so",
     "libtarnwick-parser.so.0",
     f"libtarnwick-parser.so.{project_version()}",
@@ -64,12 +66,32 @@ def test_no_installed_text_names_a_path_of_this_machine(stage):
     assert [path for path in texts if str(ROOT) in path.read_text()] == []
 
 
-def test_a_program_finds_and_links_the_library_with_cmake(stage, tmp_path):
-    configure = ["cmake", "-G", "Ninja", "-S", CONSUMER, "-B", tmp_path]
-    run(*configure, f"-DCMAKE_PREFIX_PATH={stage}/usr")
-    run("cmake", "--build", tmp_path)
-    result = run(tmp_path / "consumer", CONSUMER / "conf.d")
+@pytest.fixture(scope="module", params=["package", "tree"])
+def consumers(request, stage, tmp_path_factory):
+    """The directory of the consumers, built with the installed package or with the source tree."""
+    directory = tmp_path_factory.mktemp(request.param)
+    library = {
+        "package": f"-DCMAKE_PREFIX_PATH={stage}/usr",
+        "tree": f"-DTARNWICK_SOURCE_TREE={ROOT}",
+    }
+    run("cmake", "-G", "Ninja", "-S", CONSUMER, "-B", directory, library[request.param])
+    run("cmake", "--build", directory)
+    return directory
+
+
+@pytest.mark.parametrize("program", ["consumer", "consumer-static"])
+def test_a_program_finds_and_links_the_library_with_cmake(program, consumers):
+    result = run(consumers / program, CONSUMER / "conf.d")
     assert (result.stdout, result.stderr) == (ANSWER, RECORD)
+
+
+def needs_our_library(program):
+    return "libtarnwick-parser.so" in run("readelf", "--dynamic", program).stdout
+
+
+def test_each_name_of_the_library_is_of_one_kind(consumers):
+    assert needs_our_library(consumers / "consumer")
+    assert not needs_our_library(consumers / "consumer-static")
 
 
 def test_a_program_finds_and_links_the_library_with_pkg_config(stage, library_directory, tmp_path):
@@ -85,6 +107,18 @@ def test_a_program_finds_and_links_the_library_with_pkg_config(stage, library_di
     run("g++", "-std=c++20", CONSUMER / "main.cpp", *flags, "-o", program)
     result = run(program, CONSUMER / "conf.d", env={"LD_LIBRARY_PATH": str(library_directory)})
     assert (result.stdout, result.stderr) == (ANSWER, RECORD)
+
+
+def test_pkg_config_names_what_the_static_library_needs(stage, library_directory, tmp_path):
+    directory = {"PKG_CONFIG_PATH": f"{library_directory}/pkgconfig"}
+    asked = ["pkg-config", "--static", "--libs-only-l", "--libs-only-other", "tarnwick-parser"]
+    others = [flag for flag in run(*asked, env=directory).stdout.split() if "tarnwick" not in flag]
+    program = tmp_path / "consumer"
+    sources = [CONSUMER / "main.cpp", library_directory / "libtarnwick-parser.a"]
+    run("g++", "-std=c++20", f"-I{stage}/usr/include", *sources, *others, "-o", program)
+    result = run(program, CONSUMER / "conf.d")
+    assert (result.stdout, result.stderr) == (ANSWER, RECORD)
+    assert others == ["-ldl", "-pthread"]
 
 
 def test_pkg_config_knows_the_version(library_directory):
