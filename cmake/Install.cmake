@@ -22,6 +22,23 @@ install(FILES cmake/TarnwickParserConfig.cmake
     ${PROJECT_BINARY_DIR}/TarnwickParserConfigVersion.cmake
   DESTINATION ${TARNWICK_PACKAGE_DIR} COMPONENT development)
 
+# The directories are told from where the file lies, since `cmake --install` may have another prefix
+# than this one. Absolute ones stay as they are.
+cmake_path(SET pkgconfig_dir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${pkgconfig_dir}
+  OUTPUT_VARIABLE way_to_prefix)
+set(TARNWICK_PC_PREFIX "\${pcfiledir}/${way_to_prefix}")
+cmake_path(APPEND TARNWICK_PC_LIBDIR "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
+cmake_path(APPEND TARNWICK_PC_INCLUDEDIR "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
 configure_file(cmake/tarnwick-parser.pc.in tarnwick-parser.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tarnwick-parser.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# Not for a project that this tree is a part of: it has files of its own to remove.
+if(PROJECT_IS_TOP_LEVEL)
+  add_custom_target(uninstall
+    COMMAND ${CMAKE_COMMAND} -D MANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
+            -P ${PROJECT_SOURCE_DIR}/cmake/Uninstall.cmake
+    COMMENT "Removing what was installed last"
+    VERBATIM)
+endif()
