@@ -17,7 +17,7 @@ endforeach()
 set(TARNWICK_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/TarnwickParser)
 install(EXPORT TarnwickParser NAMESPACE Tarnwick:: FILE TarnwickParserTargets.cmake
   DESTINATION ${TARNWICK_PACKAGE_DIR} COMPONENT development)
-write_basic_package_version_file(TarnwickParserConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(TarnwickParserConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES cmake/TarnwickParserConfig.cmake
     ${PROJECT_BINARY_DIR}/TarnwickParserConfigVersion.cmake
   DESTINATION ${TARNWICK_PACKAGE_DIR} COMPONENT development)

@@ -4,7 +4,7 @@ import re
 
 import pytest
 
-from install_commands import run
+from install_commands import project_version, run
 
 C_LIBRARY = {"libc.so.6", "ld-linux-x86-64.so.2", "ld-linux-aarch64.so.1", "ld-linux-armhf.so.3"}
 CXX_RUN_TIME = {"libstdc++.so.6", "libgcc_s.so.1", "libm.so.6"}
@@ -18,6 +18,10 @@ def tool(stage):
 @pytest.fixture
 def library(library_directory):
     return library_directory / "libtarnwick-parser.so"
+
+
+def major_version():
+    return project_version().split(".")[0]
 
 
 def dynamic_entries(path, tag):
@@ -56,7 +60,7 @@ def own_name(symbol):
 
 
 def test_the_library_has_the_name_that_programs_load_it_by(library):
-    assert dynamic_entries(library, "SONAME") == {"libtarnwick-parser.so.0"}
+    assert dynamic_entries(library, "SONAME") == {f"libtarnwick-parser.so.{major_version()}"}
 
 
 def test_the_library_needs_the_cxx_run_time_and_nothing_else(library):

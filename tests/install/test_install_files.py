@@ -29,7 +29,7 @@ LIBRARY_FILES = [
     "cmake/TarnwickParser/TarnwickParserTargets.cmake",
     "libtarnwick-parser.a",
     "libtarnwick-parser.so",
-    "libtarnwick-parser.so.0",
+    f"libtarnwick-parser.so.{project_version().split('.')[0]}",
     f"libtarnwick-parser.so.{project_version()}",
     "pkgconfig/tarnwick-parser.pc",
 ]
@@ -83,6 +83,31 @@ def consumers(request, stage, tmp_path_factory):
 def test_a_program_finds_and_links_the_library_with_cmake(program, consumers):
     result = run(consumers / program, CONSUMER / "conf.d")
     assert (result.stdout, result.stderr) == (ANSWER, RECORD)
+
+
+# Tells for each version in WANTED whether the package serves a program that asks for it.
+VERSION_QUESTIONS = """
+foreach(PACKAGE_FIND_VERSION IN LISTS WANTED)
+  string(REGEX MATCH "^[0-9]+" PACKAGE_FIND_VERSION_MAJOR ${PACKAGE_FIND_VERSION})
+  set(PACKAGE_VERSION_COMPATIBLE FALSE)
+  include(${FILE})
+  message(NOTICE ${PACKAGE_VERSION_COMPATIBLE})
+endforeach()
+"""
+
+
+def test_cmake_takes_the_package_for_earlier_versions_of_the_same_major_one(
+    library_directory, tmp_path
+):
+    script = tmp_path / "ask.cmake"
+    script.write_text(VERSION_QUESTIONS)
+    file = library_directory / "cmake" / "TarnwickParser" / "TarnwickParserConfigVersion.cmake"
+    major, minor, patch = map(int, project_version().split("."))
+    same = [f"{major}", f"{major}.{minor}", f"{major}.{minor}.{patch}"]
+    other = [f"{major - 1}", f"{major - 1}.9", f"{major + 1}", f"{major}.{minor + 1}"]
+    wanted = f"-DWANTED={';'.join(same + other)}"
+    answers = run("cmake", wanted, f"-DFILE={file}", "-P", script).stderr.split()
+    assert answers == ["TRUE"] * len(same) + ["FALSE"] * len(other)
 
 
 def needs_our_library(program):
