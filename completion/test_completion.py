@@ -1,8 +1,10 @@
 """Types into real shells and looks at what their completion makes of the line.
 
-TARNWICK_COMPLETIONS is the directory with the built completions and vocabulary.txt.
+TARNWICK_COMPLETIONS is the directory with the built completions.
 """
 
+import ast
+import functools
 import os
 import pathlib
 import pty
@@ -15,6 +17,7 @@ import time
 import pytest
 from support.tool import run_tool
 
+ROOT = pathlib.Path(__file__).parent.parent
 BUILT = pathlib.Path(os.environ.get("TARNWICK_COMPLETIONS", ".")).resolve()
 TIME_LIMIT_SECONDS = 60
 
@@ -117,13 +120,21 @@ def offers(shell):
     return offers_for
 
 
+# Has the compiler expand the rows of the vocabulary as the library does.
+LISTING = """
+#include "vocabulary_names.h"
+#define KEY(name, type) #name,
+#define GROUP(name, KEYS) #name: [KEYS(KEY)],
+{TARNWICK_GROUPS(GROUP)}
+"""
+
+
+@functools.cache
 def vocabulary():
-    """The keys of each group, as the library defines them."""
-    keys = {}
-    for line in (BUILT / "vocabulary.txt").read_text().splitlines():
-        group, key = line.split()
-        keys.setdefault(group, []).append(key)
-    return keys
+    """The keys of each group, as the compiler reads them."""
+    command = [os.environ.get("TARNWICK_CC") or "cc", "-E", "-P", f"-I{ROOT}/src", "-x", "c", "-"]
+    expanded = subprocess.run(command, input=LISTING, capture_output=True, text=True, check=True)
+    return ast.literal_eval(expanded.stdout.strip())
 
 
 def usage_options():

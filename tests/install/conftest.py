@@ -9,9 +9,7 @@ import pathlib
 
 import pytest
 
-from install_commands import ROOT, run
-
-BUILD = ROOT / "build" / "install"
+from install_commands import BUILD, ROOT, run
 
 
 @pytest.fixture(scope="session")

@@ -6,6 +6,7 @@ import shlex
 import subprocess
 
 ROOT = pathlib.Path(__file__).parents[2]
+BUILD = ROOT / "build" / "install"
 
 
 def run(*command, env=None, **options):

@@ -46,12 +46,12 @@ def device(request, packages, tmp_path_factory):
 
 
 def test_the_same_three_packages_are_made(device):
-    names = ["libtarnwick-parser-dev", "libtarnwick-parser0", "tarnwick-parse-config"]
+    names = ["libtarnwick-parser-dev", "libtarnwick-parser1", "tarnwick-parse-config"]
     assert sorted(device.packages) == names
 
 
 def test_the_libraries_that_are_needed_are_packages_that_are_named(device):
-    depends = run("dpkg-deb", "--field", device.packages["libtarnwick-parser0"], "Depends").stdout
+    depends = run("dpkg-deb", "--field", device.packages["libtarnwick-parser1"], "Depends").stdout
     assert sorted(entry.split()[0] for entry in depends.split(",")) == [
         "libc6",
         "libgcc-s1",

@@ -10,7 +10,7 @@ import pytest
 from install_commands import ROOT, project_version, run
 from throw_away_root import throw_away_root
 
-NAMES = ["libtarnwick-parser-dev", "libtarnwick-parser0", "tarnwick-parse-config"]
+NAMES = ["libtarnwick-parser-dev", "libtarnwick-parser1", "tarnwick-parse-config"]
 AUTOPKGTESTS = re.findall(
     r"^Tests: (\S+)$", (ROOT / "debian" / "tests" / "control").read_text(), flags=re.MULTILINE
 )
@@ -103,6 +103,12 @@ def test_another_build_at_another_place_makes_the_same_bytes(native, tmp_path):
 def test_the_tool_depends_on_the_c_library_alone(native):
     depends = field(native["tarnwick-parse-config"], "Depends")
     assert [entry.split()[0] for entry in depends.split(",")] == ["libc6"]
+
+
+def test_programs_depend_on_the_library_of_the_version_that_they_were_built_with(native, tmp_path):
+    run("dpkg-deb", "--control", native["libtarnwick-parser1"], tmp_path)
+    [line] = (tmp_path / "shlibs").read_text().splitlines()
+    assert line == f"libtarnwick-parser 1 libtarnwick-parser1 (>= {project_version()})"
 
 
 def test_the_copyright_file_says_that_no_licence_has_been_chosen(machine):
