@@ -17,7 +17,7 @@ COMMENT = r"//[^\n]*|/\*.*?\*/"
 TEXT_OR_COMMENT = re.compile(f"{TEXT}|{COMMENT}", re.DOTALL)
 PARSER = re.compile(r"\bConfigParser\b")
 DECLARATION = re.compile(r"\bclass ConfigParser;|\((?:const )?ConfigParser\* \w+\)")
-INSTALLED = re.compile(r"^\s+src/(\S+\.h)$", re.MULTILINE)
+INSTALLED = re.compile(r"^  (\S+\.h)\)?$", re.MULTILINE)
 
 
 @dataclass
@@ -81,7 +81,7 @@ class Tree:
 
     def installed_headers(self):
         """The headers that are installed, by their paths inside `src`."""
-        return INSTALLED.findall(self.text("cmake", "Install.cmake"))
+        return INSTALLED.findall(self.text("cmake", "PublicHeaders.cmake"))
 
 
 def without_comments(text):
@@ -148,7 +148,7 @@ def circles(tree, rules):
 def installed_headers_that_need_others(tree):
     installed = tree.installed_headers()
     missing = [file for file in installed if ("src", file) not in tree.files]
-    findings = [f"cmake/Install.cmake installs src/{file}, which is nowhere" for file in missing]
+    findings = [f"cmake/PublicHeaders.cmake names src/{file}, which is nowhere" for file in missing]
     for place, file, written, target in tree.includes:
         if place == "src" and file in installed and target is not None and target[1] not in installed:
             findings.append(f'src/{file} is installed and includes "{written}", which is not')

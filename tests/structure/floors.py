@@ -8,7 +8,7 @@ the rooms in it.
 FLOORS = [
     [
         "support/", "logging/", "api", "name_characters", "parser_types",
-        "vocabulary", "vocabulary_names", "vocabulary_table",
+        "vocabulary", "vocabulary_keys", "vocabulary_names", "vocabulary_table",
     ],
     [
         "config_value", "value_sources", "environment_file", "dconf_source", "mount_entry", "diagnostic",

@@ -8,7 +8,7 @@ import checker
 from support.tool import write_files
 
 COMPILER = os.environ.get("TARNWICK_CXX") or "c++"
-INSTALL = "install(FILES\n    src/face.h\n    src/group/low.h\n  DESTINATION include)\n"
+INSTALL = "set(TARNWICK_PUBLIC_HEADERS\n  face.h\n  group/low.h)\n"
 RULES = checker.Rules(
     [["group/", "one/", "low"], ["middle"], ["face", "face_data", "user"]],
     {"one/": "one"},
@@ -22,7 +22,7 @@ def make_tree(tmp_path):
     """The tree with these files, in which an installed header stands at src/face.h."""
 
     def make(files):
-        usual = {"cmake/Install.cmake": INSTALL, "src/face.h": "", "src/group/low.h": ""}
+        usual = {"cmake/PublicHeaders.cmake": INSTALL, "src/face.h": "", "src/group/low.h": ""}
         return checker.Tree(write_files(tmp_path / "tree", {**usual, **files}))
 
     return make
@@ -134,9 +134,9 @@ def test_an_installed_header_that_does_so_through_another_is_found(make_tree):
 
 
 def test_an_installed_header_that_does_not_exist_is_found(make_tree):
-    tree = make_tree({"cmake/Install.cmake": "install(FILES\n    src/gone.h\n  DESTINATION include)\n"})
+    tree = make_tree({"cmake/PublicHeaders.cmake": "set(TARNWICK_PUBLIC_HEADERS\n  gone.h)\n"})
     assert checker.installed_headers_that_need_others(tree) == [
-        "cmake/Install.cmake installs src/gone.h, which is nowhere"
+        "cmake/PublicHeaders.cmake names src/gone.h, which is nowhere"
     ]
 
 
