@@ -1,7 +1,5 @@
 // tarnwick-parse-config: prints the value of one configuration key.
 
-#include <sys/stat.h>
-
 #include <exception>
 #include <iostream>
 #include <optional>
@@ -15,6 +13,7 @@
 #include "logging/logger_config.h"
 #include "process_setup.h"
 #include "support/join_strings.h"
+#include "template_variables.h"
 
 namespace {
 
@@ -23,27 +22,6 @@ using namespace Tarnwick::Parser::Logging;
 using namespace Tarnwick::Parser::Tool;
 
 enum ExitStatus : int { ExitSuccess = 0, ExitFailure = 1, ExitNoValue = 2 };
-
-/// Whose configuration is read.
-struct User {
-    std::int32_t id;
-    std::string name;
-    std::string home;
-    std::string instance;
-};
-
-std::string vendorDirectory() {
-    struct stat status = {};
-    return stat("/odm/lib", &status) == 0 ? "/odm" : "/vendor";
-}
-
-void setVariables(ConfigParser& parser, const User& user) {
-    parser.setVariable("HOME", user.home);
-    parser.setVariable("USER", user.name);
-    parser.setVariable("USER_ID", std::to_string(user.id));
-    parser.setVariable("INSTANCE", user.instance);
-    parser.setVariable("ODM_DIR", vendorDirectory());
-}
 
 bool load(ConfigParser& parser, const std::vector<std::string>& directories) {
     const LoadResult result = parser.loadConfigs(directories);
