@@ -51,21 +51,32 @@ void LoadTeller::tellRemoved(std::size_t count) {
     listener_(event);
 }
 
-void LoadTeller::tellDropped(Problem reason) {
-    lastFault_ = {.problem = reason, .place = current_.place, .text = current_.piece};
-    dropped();
+void LoadTeller::tellStored(const ConfigValue& value, std::size_t replaced) {
+    LoadEvent event = current_;
+    event.kind = Kind::Stored;
+    event.value = &value;
+    event.count = replaced;
+    tellPiece(event);
 }
 
-void LoadTeller::tellPiece(Kind kind, const ConfigValue* value, const Diagnostic* why) {
+void LoadTeller::tellDropped() {
+    LoadEvent event = current_;
+    event.kind = Kind::Dropped;
+    event.fault = &lastFault_;
+    tellPiece(event);
+}
+
+void LoadTeller::tellDropped(Problem reason) {
+    lastFault_ = {.problem = reason, .place = current_.place, .text = current_.piece};
+    tellDropped();
+}
+
+void LoadTeller::tellPiece(LoadEvent event) {
     const std::uint32_t before = current_.place.firstColumn - 1;
     for (TemplateOutcome& outcome : outcomes_) {
         outcome.firstColumn += before;
         outcome.lastColumn += before;
     }
-    LoadEvent event = current_;
-    event.kind = kind;
-    event.value = value;
-    event.fault = why;
     event.templates = outcomes_;
     listener_(event);
 }

@@ -13,7 +13,7 @@
 namespace Tarnwick::Parser {
 
 /// Tells a listener what happens, and knows the place of it. Without a listener every operation
-/// does nothing, so that a load that nobody hears costs no more than a few questions.
+/// does nothing, so that a load that nobody hears costs no more than a few tests of a pointer.
 class LoadTeller {
 public:
     /// The listener, which may be empty, has to outlive the teller, and so has all that is told.
@@ -45,6 +45,14 @@ public:
         return listener_ ? &outcomes_ : nullptr;
     }
 
+    /// Returns a sink that logs and then tells. It refers to the teller.
+    [[nodiscard]] DiagnosticSink sink() {
+        return [this](const Diagnostic& found) {
+            logDiagnostic(found);
+            fault(found);
+        };
+    }
+
     /// Tells a fault. One without a file is of the piece, and its columns are those of the piece.
     void fault(const Diagnostic& found) {
         if (listener_) {
@@ -59,17 +67,17 @@ public:
         }
     }
 
-    /// Tells that the piece became this value.
-    void stored(const ConfigValue& value) {
+    /// Tells that the piece became this value, which replaced so many others.
+    void stored(const ConfigValue& value, std::size_t replaced = 0) {
         if (listener_) {
-            tellPiece(LoadEvent::Kind::Stored, &value, nullptr);
+            tellStored(value, replaced);
         }
     }
 
     /// Tells that the piece was dropped, for the fault that was told last or for another reason.
     void dropped() {
         if (listener_) {
-            tellPiece(LoadEvent::Kind::Dropped, nullptr, &lastFault_);
+            tellDropped();
         }
     }
     void dropped(Problem reason) {
@@ -85,8 +93,10 @@ private:
     void notePiece(std::string_view piece);
     void tellFault(const Diagnostic& found);
     void tellRemoved(std::size_t count);
+    void tellStored(const ConfigValue& value, std::size_t replaced);
+    void tellDropped();
     void tellDropped(Problem reason);
-    void tellPiece(LoadEvent::Kind kind, const ConfigValue* value, const Diagnostic* why);
+    void tellPiece(LoadEvent event);
     [[nodiscard]] Place placeInFile(const Place& inPiece) const;
 
     const LoadListener& listener_;

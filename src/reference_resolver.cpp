@@ -8,9 +8,9 @@ namespace {
 
 using KeyName = ReferenceResolver::KeyName;
 
-/// More visits than this in one resolution mean a circle, or too many values to draw on. Visits
-/// are counted, not the depth of a chain: at most 33 values take part, however they are arranged.
-constexpr int kLastVisit = 32;
+/// How many values one resolution may visit, however they are arranged: visits are counted, not the
+/// depth of a chain. More mean a circle, or too many values to draw on.
+constexpr int kMostVisits = 33;
 
 /// One resolution, with its visits.
 class Resolution {
@@ -19,7 +19,7 @@ public:
 
     /// Returns false, and leaves `out` alone, after too many visits.
     [[nodiscard]] bool visit(const ConfigValue& value, std::string& out, const KeyName* owner) {
-        if (visits_ > kLastVisit) {
+        if (visits_ == kMostVisits) {
             return false;
         }
         ++visits_;

@@ -1,5 +1,6 @@
 #include "template_text.h"
 
+#include <algorithm>
 #include <array>
 
 #include "support/split_string.h"

@@ -178,8 +178,8 @@ bool readPasswordEntry(std::int32_t userId, std::string* userName, std::string* 
 int resolveUser(const std::vector<std::string>& directories, std::int32_t* userId,
                 std::string* userName, std::string* instance, std::string* home,
                 std::int32_t* baseUid, UserOrigins* origins) {
-    UserOrigins unheard;
-    UserOrigins& from = origins != nullptr ? *origins : unheard;
+    UserOrigins ignored;
+    UserOrigins& from = origins != nullptr ? *origins : ignored;
     from = {};
     ConfigParser parser(0);
     if (!loadGenerated(parser, directories)) {

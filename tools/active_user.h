@@ -14,7 +14,7 @@ enum class UserOrigin {
     PasswordDatabase,  ///< the entry of the user id
 };
 
-/// Where each field of the user came from.
+/// Where each field of the user came from. A base uid comes from the generated group alone.
 struct UserOrigins {
     UserOrigin userId = UserOrigin::Caller;
     UserOrigin userName = UserOrigin::Caller;

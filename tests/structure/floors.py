@@ -23,7 +23,7 @@ FLOORS = [
     ],
 ]  # fmt: skip
 
-# Rooms of several stems: a folder, a private record beside its class, a header without a source.
+# Rooms of several stems: a folder.
 SHARED_ROOMS = {
     "logging/": "logging",
 }
