@@ -15,10 +15,6 @@ std::string withTrailingSlash(const std::string& directory) {
     return directory.ends_with('/') ? directory : directory + '/';
 }
 
-std::uint32_t valueColumn(const ConfigFileIterator& entry) {
-    return static_cast<std::uint32_t>(entry.key().size() + 2);
-}
-
 /// Tells which keys are taken, and how. A pass for a few registered keys reads files full of
 /// others: whether their group holds a registered one is found once for a run of them.
 class KeyFilter {
@@ -76,8 +72,7 @@ bool expandText(std::string_view text, const TemplateContext& context, const Loa
                 ConfigValue& out) {
     const std::string own(text);  // It may be a view of `out.text`.
     LoadTeller teller(listener);
-    teller.beginEntry(0, 1, {}, {}, own);
-    teller.beginPiece(own);
+    teller.beginText(own);
     try {
         if (!expandPiece(own, TemplateExpander(context, teller.sink()), teller, out)) {
             teller.dropped();
@@ -86,7 +81,7 @@ bool expandText(std::string_view text, const TemplateContext& context, const Loa
     } catch (const BlankText& error) {
         throw std::length_error(error.what());
     }
-    teller.stored(out);
+    teller.stored(&out, Problem::ValueEmpty);
     return true;
 }
 
@@ -152,41 +147,38 @@ bool ConfigLoader::loadFile(const std::string& path) {
     return !file.failed;
 }
 
-void ConfigLoader::storeEntry(const ConfigFileIterator& entry, KeyMode mode) {
-    teller_.beginEntry(entry.lineNumber(), valueColumn(entry), entry.group(), entry.key(),
-                       entry.value());
-    const std::string key(entry.key());
-    if (entry.value().empty()) {
-        teller_.removed(store_.removeKey(entry.group(), key));
-        return;
-    }
-    std::string_view rest = entry.value();
-    for (std::string_view piece; takePiece(rest, ';', piece);) {
-        teller_.beginPiece(piece);
-        if (piece.empty()) {
-            teller_.dropped(Problem::PieceEmpty);
-        } else {
-            storePiece(entry.group(), key, piece, mode);
-        }
-    }
-}
-
 void ConfigLoader::storePiece(const std::string& group, const std::string& key,
                               std::string_view piece, KeyMode mode) {
     // Templates are expanded whatever the mode, also when the text is then dropped.
     ConfigValue value;
     if (!expandPiece(piece, expander_, teller_, value)) {
         teller_.dropped();  // the file still counts as loaded
+        return;
+    }
+    const ConfigValue* stored = nullptr;
+    if (mode == KeyMode::Append) {
+        stored = store_.appendValue(group, key, std::move(value));
     } else if (mode == KeyMode::Replace) {
-        const std::vector<ConfigValue>* replaced = store_.find(group, key);
-        const std::size_t count = replaced != nullptr ? replaced->size() : 0;
-        teller_.stored(store_.replaceValues(group, key, std::move(value)), count);
-    } else if (mode != KeyMode::Append) {
-        teller_.dropped(Problem::ModeWithoutName);
-    } else if (const ConfigValue* stored = store_.appendValue(group, key, std::move(value))) {
-        teller_.stored(*stored);
-    } else {
-        teller_.dropped(Problem::ValueEmpty);
+        stored = &store_.replaceValues(group, key, std::move(value));
+    }
+    teller_.stored(stored,
+                   mode == KeyMode::Append ? Problem::ValueEmpty : Problem::ModeWithoutName);
+}
+
+void ConfigLoader::storeEntry(const ConfigFileIterator& entry, KeyMode mode) {
+    const std::string key(entry.key());
+    if (entry.value().empty()) {
+        teller_.removed(entry, store_.removeKey(entry.group(), key));
+        return;
+    }
+    std::string_view rest = entry.value();
+    for (std::string_view piece; takePiece(rest, ';', piece);) {
+        teller_.beginPiece(entry, piece);
+        if (piece.empty()) {
+            teller_.dropped(Problem::PieceEmpty);
+        } else {
+            storePiece(entry.group(), key, piece, mode);
+        }
     }
 }
 

@@ -18,7 +18,7 @@ namespace Tarnwick::Parser {
 /// The fields that each kind fills, besides `kind` and `place`:
 ///
 ///     File     none; the place is the file
-///     Stored   group, key, entry, piece, value, templates, count
+///     Stored   group, key, entry, piece, value, templates
 ///     Removed  group, key, count; the place is behind the '='
 ///     Dropped  group, key, entry, piece, fault, templates
 ///     Fault    fault; of a template or a blank value also group, key, entry, piece
@@ -48,7 +48,7 @@ struct LoadEvent {
     const Diagnostic* fault = nullptr;
     /// The piece's templates from the left, as far as they were looked at.
     std::span<const TemplateOutcome> templates = {};
-    /// How many values went: those that an empty value removed, or a new one replaced.
+    /// How many values an empty value removed.
     std::size_t count = 0;
 };
 

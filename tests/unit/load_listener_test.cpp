@@ -185,15 +185,6 @@ TEST_F(LoadListening, HearsWhatAFaultIsAbout) {
     EXPECT_EQ(about, "G|K|a; ;b| | ");
 }
 
-TEST_F(LoadListening, HearsHowManyValuesANewOneReplaced) {
-    parser_.addKey("", "K", KeyMode::Replace);
-    parser_.valueList("", "K").resize(2);
-    path_ = directory_.write("a.conf", "K=a;b\n");
-    std::vector<std::size_t> counts;
-    (void)parser_.loadFile(path_, [&](const LoadEvent& event) { counts.push_back(event.count); });
-    EXPECT_EQ(counts, (std::vector<std::size_t>{0, 2, 1}));
-}
-
 TEST_F(LoadListening, HearsALastLineWithoutALineFeedOnce) {
     EXPECT_EQ(toldOf("K=a\nK=b"), (Told{"file", "1:3-3 /K stored <a>", "2:3-3 /K stored <b>"}));
     EXPECT_TRUE(isLoaded_);
