@@ -15,11 +15,11 @@ std::optional<std::string> unlessEmpty(std::string text) {
     return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
-std::optional<std::string> fromEnvironment(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromEnv(const TemplateToken& from, std::int32_t) {
     return unlessEmpty(readEnv(std::string(from.argument).c_str(), ""));
 }
 
-std::optional<std::string> fromEnvironmentFile(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromEnvFile(const TemplateToken& from, std::int32_t) {
     return readEnvFile(std::string(from.path), std::string(from.variable), false);
 }
 
@@ -31,11 +31,11 @@ std::optional<std::string> fromDconf(const TemplateToken& from, std::int32_t use
     return unlessEmpty(readDconf(std::string(from.argument), userId));
 }
 
-std::optional<std::string> fromProperties(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromProp(const TemplateToken& from, std::int32_t) {
     return unlessEmpty(readProperty(std::string(from.argument)));
 }
 
-std::optional<std::string> fromCommand(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromSystem(const TemplateToken& from, std::int32_t) {
     int status = -1;
     const std::string output = runCommand(std::string(from.argument), {}, &status);
     return status == 0 ? std::optional(trim(output)) : std::nullopt;
@@ -77,8 +77,8 @@ TemplateOutcome outcomeOf(const TemplateToken& token, TemplateResult result,
 
 }  // namespace
 
-constinit const SourceReaders kSourceReaders{fromEnvironment, fromEnvironmentFile, fromRealPath,
-                                             fromDconf,       fromProperties,      fromCommand};
+constinit const SourceReaders kSourceReaders{fromEnv,   fromEnvFile, fromRealPath,
+                                             fromDconf, fromProp,    fromSystem};
 
 bool TemplateExpander::expand(std::string_view text, ConfigValue& out,
                               std::vector<TemplateOutcome>* outcomes) const {

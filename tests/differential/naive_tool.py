@@ -340,6 +340,7 @@ def resolve_template(run, store, name):
         b"env": read_env,
         b"envfile": read_env_file,
         b"realpath": real_path,
+        b"dconf": no_dconf_value,
         b"prop": no_property,
         b"system": system,
     }
@@ -404,6 +405,11 @@ def can_be_reached(path):
     except OSError:
         return False
     return True
+
+
+def no_dconf_value(run, argument, name):
+    run.log(b"DEBUG", b"Failed to read '" + argument + b"' from dconf for template '" + name + b"'")
+    return None
 
 
 def no_property(run, argument, name):
