@@ -108,7 +108,7 @@ def test_a_build_does_not_differ_from_itself():
     ("text", "replacement"),
     [
         (b"missing '}': ", b"missing '}'; "),
-        (b"' from system for template '", b"' from System for template '"),
+        (b" from system for template ", b" from System for template "),
         (b"exited with non-zero status: ", b"exited with non-zero status; "),
         (b"Failed to load config from '", b"failed to load config from '"),
         (b"USAGE:", b"Usage:"),
