@@ -158,9 +158,7 @@ def test_log_level_offers_the_levels(offers):
 @pytest.mark.parametrize("level", ["critical", "debug", "error", "info", "warning"])
 def test_the_tool_accepts_each_level_that_is_offered(level, tmp_path):
     (tmp_path / "a.conf").write_text("[Config]\nArch=arm64\n")
-    result = run_tool(
-        "--user-id", "0", "--config", str(tmp_path), "--log-level", level, "--key", "Arch"
-    )
+    result = run_tool("--user-id", "0", "--config", str(tmp_path), "--log-level", level, "--key", "Arch")
     assert result.returncode == 0
 
 
@@ -168,9 +166,7 @@ def test_group_offers_the_groups_of_the_vocabulary(offers):
     assert sorted(offers("tarnwick-parse-config --group ")) == sorted(vocabulary())
 
 
-@pytest.mark.parametrize(
-    "group", ["Audio", "Config", "Devices", "Features", "GeneratedConfig", "Network"]
-)
+@pytest.mark.parametrize("group", ["Audio", "Config", "Devices", "Features", "GeneratedConfig", "Network"])
 def test_key_offers_the_keys_of_the_group_given(offers, group):
     offered = offers(f"tarnwick-parse-config --list --group {group} --user-id 0 --key ")
     assert sorted(offered) == sorted(vocabulary()[group])

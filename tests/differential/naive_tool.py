@@ -14,9 +14,7 @@ import pwd
 import re
 from dataclasses import dataclass, field
 
-NAME_CHARACTERS = frozenset(
-    b" -.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz"
-)
+NAME_CHARACTERS = frozenset(b" -.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz")
 WHITE_SPACE = b" \t\n\v\f\r"
 LEVELS = [b"CRITICAL", b"ERROR", b"WARNING", b"INFO", b"DEBUG"]
 GENERATED_KEYS = [b"BaseUid", b"Home", b"Instance", b"UserId", b"User"]
@@ -385,8 +383,7 @@ def read_env_file(run, argument, name):
     if found is None:
         run.log(
             b"DEBUG",
-            b"Failed to read '" + variable + b"' from environment file '" + path
-            + b"' for template '" + name + b"'",
+            b"Failed to read '" + variable + b"' from environment file '" + path + b"' for template '" + name + b"'",
         )
     return found
 

@@ -84,7 +84,7 @@ def wrapped_build(tmp_path):
 
     def make(text):
         build = tmp_path / "wrapped-build"
-        run = f"(exec -a tarnwick-parse-config {TOOL} \"$@\")"
+        run = f'(exec -a tarnwick-parse-config {TOOL} "$@")'
         build.write_text("#!/bin/bash\n" + text.replace("TOOL", run) + "\n")
         build.chmod(0o755)
         return build
@@ -230,4 +230,3 @@ def test_every_exit_status_is_provoked_often(sample):
     statuses = [answer.status for _, answer in sample]
     assert set(statuses) == {0, 1, 2}
     assert all(statuses.count(status) > SAMPLE // 20 for status in (0, 1, 2))
-

@@ -51,9 +51,7 @@ def test_the_first_page_links_the_headers_and_shows_the_readme_s_program(tree):
         link = header.rpartition("/")[2].replace("_", "__").replace(".h", "_8h")
         assert re.search(rf'href="{link}[^"]*".*{re.escape(f"tarnwick/{header}")}', page), header
         assert list((tree / "build" / "docs").glob(f"{link}*.html"))
-    [program] = re.findall(
-        r"<!-- program ask -->\n```cpp\n(.*?)```", (ROOT / "README.md").read_text(), flags=re.DOTALL
-    )
+    [program] = re.findall(r"<!-- program ask -->\n```cpp\n(.*?)```", (ROOT / "README.md").read_text(), flags=re.DOTALL)
     assert program in (ROOT / "docs" / "reference.md").read_text()
     assert 'class="fragment"' in page
 
@@ -71,8 +69,6 @@ def test_a_public_name_without_a_description_is_an_error(tree):
     header = tree / "src" / "config_writer.h"
     text = header.read_text()
     header.write_text(text.replace("private:", "    void writeNothing();\n\nprivate:"))
-    result = subprocess.run(
-        [tree / "scripts" / "build-docs"], capture_output=True, text=True, check=False
-    )
+    result = subprocess.run([tree / "scripts" / "build-docs"], capture_output=True, text=True, check=False)
     assert result.returncode != 0
     assert "writeNothing" in result.stderr

@@ -21,11 +21,7 @@ class Place:
     def names(self, root):
         text = (pathlib.Path(root) / self.file).read_text(encoding="utf-8")
         flags = re.DOTALL | re.MULTILINE
-        found = {
-            name
-            for part in re.finditer(self.part, text, flags)
-            for name in re.findall(self.name, part[0], flags)
-        }
+        found = {name for part in re.finditer(self.part, text, flags) for name in re.findall(self.name, part[0], flags)}
         return {name.lower() for name in found} if self.ignores_case else found
 
 
@@ -87,8 +83,7 @@ def differences(root, listing):
     for place in listing.places:
         found = place.names(root)
         findings += [
-            f"{place.file} lacks the {listing.one} '{name}'"
-            for name in sorted(known - place.left_out - found)
+            f"{place.file} lacks the {listing.one} '{name}'" for name in sorted(known - place.left_out - found)
         ]
         findings += [
             f"{place.file} has the {listing.one} '{name}', which {listing.table.file} has not"

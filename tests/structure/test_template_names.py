@@ -33,9 +33,7 @@ def change(path, pattern, replacement):
     path.write_text(text)
 
 
-@pytest.mark.parametrize(
-    "listing, place", PLACES, ids=[f"{listing.one}: {place.file}" for listing, place in PLACES]
-)
+@pytest.mark.parametrize("listing, place", PLACES, ids=[f"{listing.one}: {place.file}" for listing, place in PLACES])
 def test_a_place_without_one_of_the_names_is_found(tree, listing, place):
     taken = TAKEN[listing.one]
     change(tree / place.file, rf"\b(from)?{taken}\b", r"\1Lost")
@@ -50,9 +48,7 @@ def test_a_place_without_one_of_the_names_is_found(tree, listing, place):
 def test_every_place_is_found_when_the_table_alone_has_a_name(tree, listing):
     taken = TAKEN[listing.one]
     change(tree / listing.table.file, rf'(\w+\{{)"{taken}"(.*)\n', r'\g<0>    \1"planted"\2\n')
-    assert differences(tree, listing) == [
-        f"{place.file} lacks the {listing.one} 'planted'" for place in listing.places
-    ]
+    assert differences(tree, listing) == [f"{place.file} lacks the {listing.one} 'planted'" for place in listing.places]
 
 
 @pytest.mark.parametrize("listing", [SOURCES, VARIABLES], ids=lambda listing: listing.one)
