@@ -18,14 +18,15 @@ struct TemplateOutcome {
     std::string_view name;          ///< all between the braces
     std::uint32_t firstColumn = 0;  ///< of the '$', in the file's line or in the text expanded
     std::uint32_t lastColumn = 0;   ///< of the '}'
-    TemplateResult result = TemplateResult::Failed;
-    std::string text = {};        ///< Resolved: the replacement
-    std::string_view group = {};  ///< Reference: the group it names
-    std::string_view key = {};    ///< Reference: the key it names
+    TemplateResult result = TemplateResult::Failed;  ///< what came of it
+    std::string text = {};                           ///< Resolved: the replacement
+    std::string_view group = {};                     ///< Reference: the group it names
+    std::string_view key = {};                       ///< Reference: the key it names
 };
 
 /// What a load tells its listener, in the order of reading.
 struct LoadEvent {
+    /// What happened.
     enum class Kind {
         File,     ///< a file is about to be read
         Stored,   ///< a piece became a value of its key
@@ -34,11 +35,11 @@ struct LoadEvent {
         Fault,    ///< something was found; it has been logged, if its problem has words
     };
 
-    Kind kind;
+    Kind kind;  ///< what happened; it decides which of the others are set
     /// File, and line and columns of the piece; of a fault, the place of the fault.
     Place place = {};
-    std::string_view group = {};
-    std::string_view key = {};
+    std::string_view group = {};  ///< the group of the line
+    std::string_view key = {};    ///< the key of the line
     std::string_view entry = {};  ///< all behind the '=' of the line
     std::string_view piece = {};  ///< the part of `entry` between two ';' that this is about
     /// Stored: the value as it stands in the store.

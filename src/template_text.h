@@ -14,6 +14,7 @@ enum class TemplateSource : std::int32_t { Env, EnvFile, RealPath, Dconf, Prop, 
 
 /// One part of a value's text. All views point into the text.
 struct TemplateToken {
+    /// What a part is.
     enum class Kind : std::int32_t {
         Literal,    ///< stands for `text`
         Variable,   ///< "${NAME}"
@@ -22,7 +23,7 @@ struct TemplateToken {
         Fault,      ///< `problem` says what is wrong
     };
 
-    Kind kind = Kind::Literal;
+    Kind kind = Kind::Literal;   ///< what the part is; it decides which of the others are set
     std::size_t first = 0;       ///< offset of the first byte of the token in the text
     std::size_t end = 0;         ///< offset behind its last byte
     std::string_view text = {};  ///< Literal: what it stands for, one "$" for "$$"
