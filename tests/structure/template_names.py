@@ -47,7 +47,7 @@ SOURCES = Listing(
     Place("src/template_text.cpp", r'SourceRow\{"(\w+)"'),
     [
         Place("src/template_text.h", r'"(\w+)"', r"///     source   = [^\n]*"),
-        Place("src/template_text.h", WORD_OF_A_LIST, r"(?<=enum class TemplateSource : std::int32_t \{)[^}]*", REFERENCE, True),
+        Place("src/template_text.h", WORD_OF_A_LIST, r"(?<=TemplateSource : std::int32_t \{)[^}]*", REFERENCE, True),
         Place("src/template_expander.cpp", r"\bfrom(\w+)", r"(?<=kSourceReaders\{)[^}]*", REFERENCE, True),
         Place("README.md", TEMPLATE_WITH_SOURCE, README_ROWS),
         Place("docs/file-format.md", TEMPLATE_WITH_SOURCE),
