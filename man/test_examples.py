@@ -27,9 +27,7 @@ def needs_build(example):
     return any(b.kind == "program" or "example-generator" in b.text for b in example.blocks)
 
 
-@pytest.mark.parametrize(
-    "example", [pytest.param(e, id=f"{p.name}: {e.title}") for p, e in EXAMPLES]
-)
+@pytest.mark.parametrize("example", [pytest.param(e, id=f"{p.name}: {e.title}") for p, e in EXAMPLES])
 def test_the_example_shows_what_happens(example, tmp_path):
     if needs_build(example) and (EMULATOR or not BUILD):
         pytest.skip("needs TARNWICK_BUILD, a build tree for this machine")
@@ -80,14 +78,15 @@ def test_no_transcript_takes_the_tool_s_output_without_its_status():
     """In a transcript nothing shows whether `set -e` or a failure would be noticed."""
     for path, example in EXAMPLES:
         for block in example.blocks:
-            assert not re.search(r"=\$\((tarnwick-parse-config|ask)\b", block.text), (
-                f"{path.name}:{block.line}: make it an idiom"
-            )
+            assert not re.search(
+                r"=\$\((tarnwick-parse-config|ask)\b", block.text
+            ), f"{path.name}:{block.line}: make it an idiom"
 
 
 def test_the_documents_have_idioms():
     assert {path.name for path in [*PAGES, *DOCUMENTS] if idioms_in(path)} >= {
-        "README.md", "tarnwick-parse-config.1.scd"
+        "README.md",
+        "tarnwick-parse-config.1.scd",
     }
 
 
@@ -162,9 +161,7 @@ def built_pages(directory):
     for page in PAGES:
         target = directory / page.name.removesuffix(".scd")
         target.write_bytes(
-            subprocess.run(
-                ["scdoc"], input=page.read_bytes(), stdout=subprocess.PIPE, check=True
-            ).stdout
+            subprocess.run(["scdoc"], input=page.read_bytes(), stdout=subprocess.PIPE, check=True).stdout
         )
         yield target
 
@@ -207,8 +204,7 @@ def test_the_finder_refuses_a_block_that_nothing_announces(tmp_path):
 def test_the_runner_sees_a_wrong_answer(tmp_path):
     page = tmp_path / "page.md"
     page.write_text(
-        "<!-- example: two commands -->\n<!-- transcript -->\n```\n"
-        "$ echo one; false\none\n$ echo $?\n0\n```\n"
+        "<!-- example: two commands -->\n<!-- transcript -->\n```\n$ echo one; false\none\n$ echo $?\n0\n```\n"
     )
     work = tmp_path / "work"
     work.mkdir()

@@ -21,9 +21,7 @@ import stat
 import subprocess
 
 FENCE = "```"
-DIRECTIVE = re.compile(
-    r"(?:; |<!-- )(example|file|program|transcript|(?:bash )?idiom|shown)\b:?(?: (.*?))?(?: -->)?$"
-)
+DIRECTIVE = re.compile(r"(?:; |<!-- )(example|file|program|transcript|(?:bash )?idiom|shown)\b:?(?: (.*?))?(?: -->)?$")
 IDIOMS = {"idiom", "bash idiom"}
 NOT_IN_EXAMPLES = {"shown", *IDIOMS}
 TIME_LIMIT_SECONDS = 120

@@ -68,8 +68,8 @@ struct Place {
 /// views are valid while the diagnostic is being told. Programs may make diagnostics, so the fields
 /// stay as they are within a major version.
 struct Diagnostic {
-    Problem problem;
-    Place place = {};
+    Problem problem;                 ///< what was found
+    Place place = {};                ///< where
     std::string_view text = {};      ///< the whole line, or the whole piece of the value
     std::string_view name = {};      ///< a template's name, all between its braces
     std::string_view argument = {};  ///< what the source was asked for: a variable, a path, a key

@@ -35,11 +35,11 @@ struct LoadEvent {
         Fault,    ///< something was found; it has been logged, if its problem has words
     };
 
-    Kind kind;
+    Kind kind;  ///< what happened; it decides which of the others are set
     /// File, line and columns of the piece; of a fault, the place of the fault.
     Place place = {};
-    std::string_view group = {};
-    std::string_view key = {};
+    std::string_view group = {};  ///< the group of the line
+    std::string_view key = {};    ///< the key of the line
     std::string_view entry = {};  ///< all behind the '=' of the line
     std::string_view piece = {};  ///< the part of `entry` between two ';' that this is about
     /// The value as it stands in the store.

@@ -15,11 +15,11 @@ std::optional<std::string> unlessEmpty(std::string text) {
     return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
-std::optional<std::string> fromEnvironment(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromEnv(const TemplateToken& from, std::int32_t) {
     return unlessEmpty(readEnv(std::string(from.argument).c_str(), ""));
 }
 
-std::optional<std::string> fromEnvironmentFile(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromEnvFile(const TemplateToken& from, std::int32_t) {
     return readEnvFile(std::string(from.path), std::string(from.variable), false);
 }
 
@@ -31,11 +31,11 @@ std::optional<std::string> fromDconf(const TemplateToken& from, std::int32_t use
     return unlessEmpty(readDconf(std::string(from.argument), userId));
 }
 
-std::optional<std::string> fromProperties(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromProp(const TemplateToken& from, std::int32_t) {
     return unlessEmpty(readProperty(std::string(from.argument)));
 }
 
-std::optional<std::string> fromCommand(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromSystem(const TemplateToken& from, std::int32_t) {
     int status = -1;
     const std::string output = runCommand(std::string(from.argument), {}, &status);
     return status == 0 ? std::optional(trim(output)) : std::nullopt;
@@ -47,12 +47,12 @@ struct SourceRow {
     Problem missing;  // what is found when the source has no text
 };
 constexpr std::array kSources{
-    SourceRow{TemplateSource::Env, fromEnvironment, Problem::EnvironmentMissing},
-    SourceRow{TemplateSource::EnvFile, fromEnvironmentFile, Problem::EnvironmentFileMissing},
+    SourceRow{TemplateSource::Env, fromEnv, Problem::EnvironmentMissing},
+    SourceRow{TemplateSource::EnvFile, fromEnvFile, Problem::EnvironmentFileMissing},
     SourceRow{TemplateSource::RealPath, fromRealPath, Problem::PathMissing},
     SourceRow{TemplateSource::Dconf, fromDconf, Problem::DconfMissing},
-    SourceRow{TemplateSource::Prop, fromProperties, Problem::PropertyMissing},
-    SourceRow{TemplateSource::System, fromCommand, Problem::CommandFailed},
+    SourceRow{TemplateSource::Prop, fromProp, Problem::PropertyMissing},
+    SourceRow{TemplateSource::System, fromSystem, Problem::CommandFailed},
 };
 
 static_assert(

@@ -27,7 +27,7 @@ struct TemplateToken {
         Fault,      ///< `problem` says what is wrong
     };
 
-    Kind kind = Kind::Literal;
+    Kind kind = Kind::Literal;   ///< what the part is; it decides which of the others are set
     std::size_t first = 0;       ///< offset of the first byte of the token in the text
     std::size_t end = 0;         ///< offset behind its last byte
     std::string_view text = {};  ///< Literal: what it stands for, one "$" for "$$"
@@ -48,10 +48,10 @@ struct TemplateOutcome {
     std::string_view name;          ///< all between the braces
     std::uint32_t firstColumn = 0;  ///< of the '$', in the file's line or in the text expanded
     std::uint32_t lastColumn = 0;   ///< of the '}'
-    TemplateResult result = TemplateResult::Failed;
-    std::string text = {};        ///< Resolved: the replacement
-    std::string_view group = {};  ///< Reference: the group it names
-    std::string_view key = {};    ///< Reference: the key it names
+    TemplateResult result = TemplateResult::Failed;  ///< what came of it
+    std::string text = {};                           ///< Resolved: the replacement
+    std::string_view group = {};                     ///< Reference: the group it names
+    std::string_view key = {};                       ///< Reference: the key it names
 };
 
 /// Returns what the template `name`, the text between "${" and "}", is: a variable, a source, a

@@ -84,7 +84,7 @@ def wrapped_build(tmp_path):
 
     def make(text):
         build = tmp_path / "wrapped-build"
-        run = f"(exec -a tarnwick-parse-config {TOOL} \"$@\")"
+        run = f'(exec -a tarnwick-parse-config {TOOL} "$@")'
         build.write_text("#!/bin/bash\n" + text.replace("TOOL", run) + "\n")
         build.chmod(0o755)
         return build
@@ -108,7 +108,7 @@ def test_a_build_does_not_differ_from_itself():
     ("text", "replacement"),
     [
         (b"missing '}': ", b"missing '}'; "),
-        (b"' from system for template '", b"' from System for template '"),
+        (b" from system for template ", b" from System for template "),
         (b"exited with non-zero status: ", b"exited with non-zero status; "),
         (b"Failed to load config from '", b"failed to load config from '"),
         (b"USAGE:", b"Usage:"),
@@ -230,4 +230,3 @@ def test_every_exit_status_is_provoked_often(sample):
     statuses = [answer.status for _, answer in sample]
     assert set(statuses) == {0, 1, 2}
     assert all(statuses.count(status) > SAMPLE // 20 for status in (0, 1, 2))
-

@@ -51,9 +51,7 @@ UNWRITABLE = ["> /dev/full", ">&-", "> /dev/full < /dev/null", "<&- >&-", "1< /d
 @pytest.mark.parametrize("redirections", UNWRITABLE)
 @pytest.mark.parametrize("value", ["v", "x" * 100_000, "${config:Config/Missing}"])
 @pytest.mark.parametrize("listing", [[], ["--list"]])
-def test_a_value_that_cannot_be_written_is_a_failure(
-    ask_through_shell, redirections, value, listing
-):
+def test_a_value_that_cannot_be_written_is_a_failure(ask_through_shell, redirections, value, listing):
     outcome = ask_through_shell(one_key(value), redirections, *listing)
     assert outcome.status == 1
     assert outcome.err == CANNOT_WRITE
@@ -95,9 +93,7 @@ def test_an_unusable_error_stream_does_not_keep_the_value_back(ask_through_shell
         (one_key(""), [], 2),
     ],
 )
-def test_an_unusable_error_stream_does_not_change_the_status(
-    ask_through_shell, text, arguments, status
-):
+def test_an_unusable_error_stream_does_not_change_the_status(ask_through_shell, text, arguments, status):
     assert ask_through_shell(text, "2>&-", *arguments) == (status, b"", b"")
 
 
@@ -106,9 +102,7 @@ def test_all_three_streams_may_be_closed(ask_through_shell):
 
 
 @pytest.mark.parametrize("redirections", [">&-", "<&- >&-", "<&- >&- 2>&-"])
-def test_a_log_file_never_takes_the_place_of_a_closed_stream(
-    ask_through_shell, lower_case_directory, redirections
-):
+def test_a_log_file_never_takes_the_place_of_a_closed_stream(ask_through_shell, lower_case_directory, redirections):
     log = lower_case_directory / "x.log"
     text = "[Config]\nBad=${nope}\nK=v\n"
     outcome = ask_through_shell(text, redirections, TARNWICK_LOGGING_TARGET=str(log))

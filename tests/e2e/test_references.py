@@ -94,9 +94,7 @@ def test_the_place_of_a_reference_is_counted_before_trimming(ask, value, answer)
     assert outcome == (0, lines(answer), b"")
 
 
-@pytest.mark.parametrize(
-    "value", [" x${config:A/B}", "x  ${config:A/B}", "x ${config:A/B} ", "\tx${config:A/B}"]
-)
+@pytest.mark.parametrize("value", [" x${config:A/B}", "x  ${config:A/B}", "x ${config:A/B} ", "\tx${config:A/B}"])
 @pytest.mark.parametrize("listing", [[], ["--list"]])
 def test_a_place_past_the_end_of_the_text_ends_the_request(ask, value, listing):
     outcome = ask(f"[Config]\nK={value}\n[A]\nB=R\n", *listing)

@@ -115,10 +115,12 @@ def test_marks_of_the_format_in_a_mount_entry_are_read_as_such_later(tmp_path):
     hooks = tmp_path / "hooks"
     hooks.mkdir()
     hook = hooks / "10-marks.sh"
-    hook.write_text("""#!/bin/sh
+    hook.write_text(
+        """#!/bin/sh
 printf '%s\\n' '/srv/a;b media none bind 0 0' '/srv/$c media none bind 0 0' \\
     '/srv/$$d media none bind 0 0'
-""")
+"""
+    )
     hook.chmod(0o755)
     assert generate(SOURCE / "config", tmp_path, tmp_path).returncode == 0
     listed = run_tool("--user-id", "0", "--config", str(tmp_path), "--key", "Mounts", "--list")

@@ -39,9 +39,7 @@ def shown_symbols(path):
 def words_of_headers(stage):
     """Every word of the public headers, with the vocabulary's macros expanded."""
     directory = stage / "usr" / "include"
-    includes = "".join(
-        f"#include <{path.relative_to(directory)}>\n" for path in sorted(directory.rglob("*.h"))
-    )
+    includes = "".join(f"#include <{path.relative_to(directory)}>\n" for path in sorted(directory.rglob("*.h")))
     preprocess = ["g++", "-std=c++20", "-E", "-x", "c++", "-", f"-I{directory}"]
     words = set()
     is_ours = False

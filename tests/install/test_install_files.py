@@ -100,9 +100,7 @@ endforeach()
 """
 
 
-def test_cmake_takes_the_package_for_earlier_versions_of_the_same_major_one(
-    library_directory, tmp_path
-):
+def test_cmake_takes_the_package_for_earlier_versions_of_the_same_major_one(library_directory, tmp_path):
     script = tmp_path / "ask.cmake"
     script.write_text(VERSION_QUESTIONS)
     file = library_directory / "cmake" / "TarnwickParser" / "TarnwickParserConfigVersion.cmake"

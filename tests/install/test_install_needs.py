@@ -34,9 +34,7 @@ MISSING = "echo 'error: Unmet build dependencies: scdoc' >&2; exit 1"
 
 
 def test_without_root_and_sudo_the_missing_packages_and_the_way_out_are_named(machine):
-    result = machine(
-        SCRIPTS / "install-build-deps", "test", id="echo 1000", dpkg_checkbuilddeps=MISSING
-    )
+    result = machine(SCRIPTS / "install-build-deps", "test", id="echo 1000", dpkg_checkbuilddeps=MISSING)
     assert result.returncode == 1
     assert "Unmet build dependencies: scdoc" in result.stderr
     assert "install sudo, or run as root: scripts/install-build-deps test" in result.stderr
@@ -44,8 +42,12 @@ def test_without_root_and_sudo_the_missing_packages_and_the_way_out_are_named(ma
 
 def test_packages_are_asked_for_by_the_profiles_of_all_purposes(machine):
     result = machine(
-        SCRIPTS / "install-build-deps", "package", "arm", dpkg_checkbuilddeps='echo "$@"; exit 1',
-        id="echo 0", apt_get='echo "$@"',
+        SCRIPTS / "install-build-deps",
+        "package",
+        "arm",
+        dpkg_checkbuilddeps='echo "$@"; exit 1',
+        id="echo 0",
+        apt_get='echo "$@"',
     )
     profiles = "nocheck,pkg.tarnwick-parse-config.package,pkg.tarnwick-parse-config.arm"
     assert result.returncode == 0
@@ -66,9 +68,7 @@ def test_a_purpose_that_is_not_known_shows_the_usage(machine, words):
 def test_a_script_that_needs_mmdebstrap_says_how_to_get_it(machine, command, purpose):
     result = machine(SCRIPTS / command[0], *command[1:], id="echo 0")
     assert result.returncode == 1
-    assert result.stderr == (
-        f"{command[0]}: needs mmdebstrap: run scripts/install-build-deps {purpose}\n"
-    )
+    assert result.stderr == (f"{command[0]}: needs mmdebstrap: run scripts/install-build-deps {purpose}\n")
 
 
 LOG = r"""

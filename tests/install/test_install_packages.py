@@ -11,9 +11,7 @@ from install_commands import ROOT, project_version, run
 from throw_away_root import throw_away_root
 
 NAMES = ["libtarnwick-parser-dev", "libtarnwick-parser1", "tarnwick-parse-config"]
-AUTOPKGTESTS = re.findall(
-    r"^Tests: (\S+)$", (ROOT / "debian" / "tests" / "control").read_text(), flags=re.MULTILINE
-)
+AUTOPKGTESTS = re.findall(r"^Tests: (\S+)$", (ROOT / "debian" / "tests" / "control").read_text(), flags=re.MULTILINE)
 
 
 @pytest.fixture(scope="session")

@@ -19,9 +19,7 @@ def uninstall(staged):
 
 
 def files_below(directory):
-    return sorted(
-        str(path.relative_to(directory)) for path in directory.rglob("*") if not path.is_dir()
-    )
+    return sorted(str(path.relative_to(directory)) for path in directory.rglob("*") if not path.is_dir())
 
 
 def test_pkg_config_names_the_directories_that_the_file_lies_beside(staged, tmp_path_factory):

@@ -30,10 +30,15 @@ def first_page(tree):
     return (tree / "build" / "docs" / "index.html").read_text()
 
 
-def test_the_reference_is_made_from_the_installed_headers(stage, tree):
-    run(tree / "scripts" / "build-docs")
+@pytest.fixture
+def installed(stage):
+    """The installed headers, by their paths inside `tarnwick`."""
     directory = stage / "usr" / "include" / "tarnwick"
-    installed = {str(path.relative_to(directory)) for path in directory.rglob("*.h")}
+    return {str(path.relative_to(directory)) for path in directory.rglob("*.h")}
+
+
+def test_the_reference_is_made_from_the_installed_headers(installed, tree):
+    run(tree / "scripts" / "build-docs")
     pages = {path.name for path in (tree / "build" / "docs").glob("*_8h_source.html")}
     assert pages == {page_of(header) for header in installed}
 
@@ -44,16 +49,14 @@ def test_the_reference_is_made_without_a_warning(tree):
     assert project_version() in first_page(tree)
 
 
-def test_the_first_page_links_the_headers_and_shows_the_readme_s_program(tree):
+def test_the_first_page_links_the_headers_and_shows_the_readme_s_program(installed, tree):
     run(tree / "scripts" / "build-docs")
     page = first_page(tree)
-    for header in doxyfile_headers() - {"api.h", "vocabulary_names.h"}:
+    for header in installed - {"api.h", "vocabulary_names.h"}:
         link = header.rpartition("/")[2].replace("_", "__").replace(".h", "_8h")
         assert re.search(rf'href="{link}[^"]*".*{re.escape(f"tarnwick/{header}")}', page), header
         assert list((tree / "build" / "docs").glob(f"{link}*.html"))
-    [program] = re.findall(
-        r"<!-- program ask -->\n```cpp\n(.*?)```", (ROOT / "README.md").read_text(), flags=re.DOTALL
-    )
+    [program] = re.findall(r"<!-- program ask -->\n```cpp\n(.*?)```", (ROOT / "README.md").read_text(), flags=re.DOTALL)
     assert program in (ROOT / "docs" / "reference.md").read_text()
     assert 'class="fragment"' in page
 
@@ -71,8 +74,6 @@ def test_a_public_name_without_a_description_is_an_error(tree):
     header = tree / "src" / "config_writer.h"
     text = header.read_text()
     header.write_text(text.replace("private:", "    void writeNothing();\n\nprivate:"))
-    result = subprocess.run(
-        [tree / "scripts" / "build-docs"], capture_output=True, text=True, check=False
-    )
+    result = subprocess.run([tree / "scripts" / "build-docs"], capture_output=True, text=True, check=False)
     assert result.returncode != 0
     assert "writeNothing" in result.stderr

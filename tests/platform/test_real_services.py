@@ -66,7 +66,7 @@ class Seat:
             "-p", "PAMName=login", "-p", f"User={name}",
             "-E", "XDG_SEAT=seat0", "-E", "XDG_SESSION_TYPE=tty", "-E", "XDG_SESSION_CLASS=user",
             "sleep", "infinity",
-        )
+        )  # fmt: skip
         self.wait_for_active(name)
 
     def log_out(self, name):
@@ -129,14 +129,19 @@ class Tool:
         return self.system.inside(
             "env", *assignments, TOOL_INSIDE, "--config", str(SHARED_INSIDE / "conf.d"),
             "--key", "Hostname", *arguments,
-        )
+        )  # fmt: skip
 
     def run(self, *arguments, env=None):
         """Runs the tool to its end: exit status, standard output, error stream."""
         with self.errors.open("wb") as errors:
             result = subprocess.run(
-                self.command(*arguments, env=env), env=plain_environment(), timeout=60, check=False,
-                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=errors,
+                self.command(*arguments, env=env),
+                env=plain_environment(),
+                timeout=60,
+                check=False,
+                stdin=subprocess.DEVNULL,
+                stdout=subprocess.PIPE,
+                stderr=errors,
             )
         return result.returncode, result.stdout, self.errors.read_bytes()
 
@@ -145,8 +150,11 @@ class Tool:
         """The tool in another process, at the moment when it waits for a login."""
         with self.errors.open("wb") as errors:
             process = subprocess.Popen(
-                self.command(), env=plain_environment(), stdin=subprocess.DEVNULL,
-                stdout=subprocess.PIPE, stderr=errors,
+                self.command(),
+                env=plain_environment(),
+                stdin=subprocess.DEVNULL,
+                stdout=subprocess.PIPE,
+                stderr=errors,
             )
         try:
             wait_until(lambda: any(is_watching(child) for child in children(process.pid)))
@@ -222,7 +230,8 @@ def test_the_only_session_is_taken_although_it_is_not_active(seat, tool):
     seat.log_out(AMBER)
     assert (seat.users(), seat.active()) == (uids(AMBER), None)
     assert tool.run("--log-level", "debug") == (
-        0, identity(AMBER),
+        0,
+        identity(AMBER),
         b"DEBUG: There is only one session on seat0, selecting UID A as active user\n",
     )
 
@@ -313,7 +322,10 @@ def new_entries(system):
     def read():
         system.run("journalctl", "--sync")
         lines = system.run(
-            "journalctl", "--quiet", "--output=json", f"--since=@{begin:.6f}",
+            "journalctl",
+            "--quiet",
+            "--output=json",
+            f"--since=@{begin:.6f}",
             "SYSLOG_IDENTIFIER=tarnwick-parse-config",
         ).splitlines()
         return [json.loads(line) for line in lines]
@@ -340,7 +352,8 @@ def test_records_of_the_seat_s_user_are_read_back_from_the_journal(seat, tool, n
     seat.log_in(CEDAR)
     assert tool.run("--log-level", "debug", env=TO_JOURNAL) == (0, identity(CEDAR), b"")
     assert [(entry["PRIORITY"], entry["MESSAGE"]) for entry in new_entries()] == [
-        ("7", "Active session on seat0 found for UID C")]
+        ("7", "Active session on seat0 found for UID C")
+    ]
 
 
 def test_without_the_journal_target_the_journal_gets_nothing(tool, new_entries):

@@ -32,9 +32,7 @@ def run_tool(*arguments, env=None, **options):
         options["stdout"] = subprocess.PIPE
     if "stderr" not in options:
         options["stderr"] = subprocess.PIPE
-    return subprocess.run(
-        tool_command(*arguments), env=clean_environment(**(env or {})), check=False, **options
-    )
+    return subprocess.run(tool_command(*arguments), env=clean_environment(**(env or {})), check=False, **options)
 
 
 def write_files(directory, files):
