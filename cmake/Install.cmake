@@ -1,7 +1,7 @@
 # What is installed, and where: the tool, the library, and what programs need to link it.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS tarnwick-parse-config COMPONENT tool)
+install(TARGETS tarnwick-parse-config tarnwick-config COMPONENT tool)
 # Where the tool looks by itself, whatever the prefix.
 install(DIRECTORY DESTINATION /etc/tarnwick.conf.d COMPONENT tool)
 

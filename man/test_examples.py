@@ -7,7 +7,7 @@ import shutil
 import subprocess
 
 import pytest
-from support.tool import EMULATOR, run_tool, tool_command
+from support.tool import EMULATOR, run_config, run_tool, tool_command
 from text_examples import blocks_of, examples_in, idioms_in, run_example, run_idiom
 
 ROOT = pathlib.Path(__file__).parent.parent
@@ -93,7 +93,11 @@ def test_the_documents_have_idioms():
 def page_text(name):
     """A page's source without its markup."""
     source = (ROOT / "man" / name).read_text()
-    return re.sub(r"[*_]|\\|\+\+$", "", source, flags=re.MULTILINE)
+    return without_markup(re.sub(r"\+\+$", "", source, flags=re.MULTILINE))
+
+
+def without_markup(text):
+    return re.sub(r"[*_\\]", "", text)
 
 
 def usage_options():
@@ -106,6 +110,14 @@ def test_every_option_of_the_usage_text_is_a_heading_of_the_options_section():
     section = section[section.index("# OPTIONS") : section.index("# THE USER")]
     headings = re.findall(r"^\*(--[a-z-]+)\*", section, flags=re.MULTILINE)
     assert sorted(headings) == sorted(usage_options())
+
+
+def test_every_kind_of_fault_is_a_heading_with_its_severity_and_meaning():
+    page = (ROOT / "man" / "tarnwick-config.1.scd").read_text()
+    listed = run_config("check", "--list-ids").stdout.decode().splitlines()
+    headings = re.findall(r"^\*([a-z0-9-]+)\* \((error|warning|error, warning)\)\n\t(.*)\.\+\+$", page, flags=re.MULTILINE)
+    documented = [(name, severities.split(",")[0], without_markup(text)) for name, severities, text in headings]
+    assert documented == [tuple(map(without_markup, line.split("\t"))) for line in listed]
 
 
 # What is no message: comments, and the C++ character constant of a quote.
@@ -133,7 +145,7 @@ def test_every_message_of_the_sources_is_in_the_manual():
     }
     assert len(texts) > 60, "the sources' messages were not found"
     # Markup is gone from the manual's text, so it must be from the messages as well.
-    missing = {text: file for text, file in texts.items() if text.replace("_", "") not in manual}
+    missing = {text: file for text, file in texts.items() if without_markup(text) not in manual}
     assert not missing
 
 

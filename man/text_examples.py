@@ -20,6 +20,8 @@ import shlex
 import stat
 import subprocess
 
+from support.tool import CONFIG_TOOL, config_command
+
 FENCE = "```"
 DIRECTIVE = re.compile(r"(?:; |<!-- )(example|file|program|transcript|(?:bash )?idiom|shown)\b:?(?: (.*?))?(?: -->)?$")
 IDIOMS = {"idiom", "bash idiom"}
@@ -202,11 +204,12 @@ def write_script(path, text):
 
 def environment_for(directory, tool_command, build):
     """The programs are found by their names, and this product's variables are not set."""
-    write_script(
-        directory / "bin" / "tarnwick-parse-config",
+    commands = {"tarnwick-parse-config": tool_command}
+    if CONFIG_TOOL:
+        commands["tarnwick-config"] = config_command()
+    for name, command in commands.items():
         # exec -a keeps the name that the usage text shows.
-        "#!/bin/bash\n" + wrapper_line(tool_command) + "\n",
-    )
+        write_script(directory / "bin" / name, f"#!/bin/bash\n{wrapper_line(name, command)}\n")
     kept = {name: text for name, text in os.environ.items() if not name.startswith("TARNWICK_")}
     return {
         **kept,
@@ -216,12 +219,12 @@ def environment_for(directory, tool_command, build):
     }
 
 
-def wrapper_line(tool_command):
-    *emulator, tool = tool_command
+def wrapper_line(name, command):
+    *emulator, tool = command
     if not emulator:
-        return f'exec -a tarnwick-parse-config {shlex.quote(tool)} "$@"'
-    name = ["-0", "tarnwick-parse-config"]  # the emulator's own way to give it
-    return f'exec {shlex.join([*emulator, *name, tool])} "$@"'
+        return f'exec -a {name} {shlex.quote(tool)} "$@"'
+    # "-0" is the emulator's own way to give the name.
+    return f'exec {shlex.join([*emulator, "-0", name, tool])} "$@"'
 
 
 def run_example(example, directory, tool_command, build=None):

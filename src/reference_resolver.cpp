@@ -8,10 +8,6 @@ namespace {
 
 using KeyName = ReferenceResolver::KeyName;
 
-/// How many values one resolution may visit, however they are arranged: visits are counted, not the
-/// depth of a chain. More mean a circle, or too many values to draw on.
-constexpr int kMostVisits = 33;
-
 /// One resolution, with its visits.
 class Resolution {
 public:

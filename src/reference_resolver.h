@@ -9,6 +9,10 @@
 
 namespace Tarnwick::Parser {
 
+/// How many values one resolution may visit, the first among them. Visits are counted, not the
+/// depth of a chain: at most so many values take part, however they are arranged.
+inline constexpr int kMostVisits = 33;
+
 /// Fills the references of values from a store. Every call resolves afresh.
 class ReferenceResolver {
 public:

@@ -101,6 +101,16 @@ TemplateToken classifyTemplate(std::string_view name) {
     return token;
 }
 
+std::span<const std::string_view> templateSourceNames() {
+    static constexpr auto kNames = [] {
+        std::array<std::string_view, kSources.size()> names;
+        std::transform(kSources.begin(), kSources.end(), names.begin(),
+                       [](const SourceRow& row) { return row.name; });
+        return names;
+    }();
+    return kNames;
+}
+
 bool TemplateCursor::next(TemplateToken& token) {
     if (position_ == text_.size()) {
         return false;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -58,6 +59,9 @@ struct TemplateOutcome {
 /// reference, or the fault UnknownSource, ReferenceForm or EnvironmentFileForm. Whether there is
 /// such a variable or key is not looked at. The offsets are those of the name itself.
 [[nodiscard]] TARNWICK_API TemplateToken classifyTemplate(std::string_view name);
+
+/// Returns the words that can stand before the ':' of a template.
+[[nodiscard]] TARNWICK_API std::span<const std::string_view> templateSourceNames();
 
 /// Walks a value's text token by token, and reads nothing but the text.
 ///

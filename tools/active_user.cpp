@@ -3,6 +3,7 @@
 #include <poll.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <climits>
@@ -138,8 +139,7 @@ std::int32_t watchSeat(LoginMonitor& monitor, std::int32_t first, int timeoutSec
 
 // Loads the generated keys alone. Returns false when a file failed.
 bool loadGenerated(ConfigParser& parser, const std::vector<std::string>& directories) {
-    for (const std::string* key :
-         {&kKeyBaseUid, &kKeyHome, &kKeyInstance, &kKeyUserId, &kKeyUser}) {
+    for (const std::string* key : generatedUserKeys()) {
         parser.addKey(kGroupGeneratedConfig, *key, KeyMode::Replace);
     }
     return parser.loadConfigs(directories) != LoadResult::InvalidConfiguration;
@@ -174,6 +174,12 @@ bool readPasswordEntry(std::int32_t userId, std::string* userName, std::string* 
 }
 
 }  // namespace
+
+std::span<const std::string* const> generatedUserKeys() {
+    static constexpr std::array kKeys{&kKeyBaseUid, &kKeyHome, &kKeyInstance, &kKeyUserId,
+                                      &kKeyUser};
+    return kKeys;
+}
 
 int resolveUser(const std::vector<std::string>& directories, std::int32_t* userId,
                 std::string* userName, std::string* instance, std::string* home,

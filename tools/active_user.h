@@ -1,10 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace Tarnwick::Parser::Tool {
+
+/// Returns the keys of the group "GeneratedConfig" that tell whose configuration it is. They are
+/// read before any template variable is known.
+[[nodiscard]] std::span<const std::string* const> generatedUserKeys();
 
 /// Where a field of the user came from.
 enum class UserOrigin {

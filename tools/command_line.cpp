@@ -44,17 +44,12 @@ Fault setText(Options& options, const std::string& value) {
 }
 
 Fault setUserId(Options& options, const std::string& value) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    char* end = nullptr;
-    const long long number = std::strtoll(value.c_str(), &end, 10);
-    if (end == value.c_str()) {
-        return report("--user-id: " + value + " does not look like an integer.");
+    std::string problem;
+    const std::optional<std::int32_t> userId = parseUserId(value, problem);
+    if (!userId) {
+        return report(problem);
     }
-    // A number beyond long long comes out as the limit of long long.
-    if (number < Limits::min() || number > Limits::max()) {
-        return report("--user-id: " + value + " is too big/small.");
-    }
-    options.userId = static_cast<std::int32_t>(number);
+    options.userId = *userId;
     return Fault::None;
 }
 
@@ -208,6 +203,22 @@ std::optional<Options> parseCommandLine(int count, const char* const* arguments)
         options.directories.push_back(kDefaultConfigDirectory);
     }
     return options;
+}
+
+std::optional<std::int32_t> parseUserId(const std::string& text, std::string& problem) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    char* end = nullptr;
+    const long long number = std::strtoll(text.c_str(), &end, 10);
+    if (end == text.c_str()) {
+        problem = "--user-id: " + text + " does not look like an integer.";
+        return std::nullopt;
+    }
+    // A number beyond long long comes out as the limit of long long.
+    if (number < Limits::min() || number > Limits::max()) {
+        problem = "--user-id: " + text + " is too big/small.";
+        return std::nullopt;
+    }
+    return static_cast<std::int32_t>(number);
 }
 
 void printUsage(const std::string& programName) {

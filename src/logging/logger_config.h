@@ -135,6 +135,13 @@ public:
     template <NumberOrNull T>
     bool setTarget(T value) = delete;
 
+    /// Returns whether the setters of a level would take the text.
+    [[nodiscard]] static bool isLevel(const std::string& text);
+
+    /// Returns whether the setters of a target may take the text: one of the names, or an absolute
+    /// path. The file is not looked at, so it may still be refused.
+    [[nodiscard]] static bool isTarget(const std::string& text);
+
     /// Returns whether a record of `level` would be written.
     [[nodiscard]] bool isEnabled(Level level) const;
 

@@ -22,6 +22,8 @@ public:
 
     /// Opens `path` for reading. When that fails, every `next` is a `Failure`.
     explicit LineReader(const std::string& path);
+    /// Reads from an open descriptor, from where it stands, and closes it in the end.
+    explicit LineReader(int descriptor) : descriptor_(descriptor) {}
     ~LineReader();
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;

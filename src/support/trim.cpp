@@ -4,15 +4,12 @@
 #include <cctype>
 
 namespace Tarnwick::Parser {
-namespace {
 
 bool isSpace(char character) {
     const auto byte = static_cast<unsigned char>(character);
     const bool isVisible = byte > ' ' && byte < 0x7f;  // in every locale: most need no call
     return !isVisible && std::isspace(byte) != 0;
 }
-
-}  // namespace
 
 std::string trim(std::string_view text) {
     return std::string(trimmed(text));

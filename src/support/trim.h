@@ -12,6 +12,9 @@ public:
     using std::length_error::length_error;
 };
 
+/// Returns whether the character is white space (`isspace(3)`).
+[[nodiscard]] bool isSpace(char character);
+
 /// Returns a copy of `text` without the white space (`isspace(3)`) at both ends. The empty text
 /// stays empty.
 ///

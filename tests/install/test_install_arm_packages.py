@@ -45,8 +45,8 @@ def device(request, packages, tmp_path_factory):
     return Device(TARGETS[request.param], found, root, sysroot)
 
 
-def test_the_same_three_packages_are_made(device):
-    names = ["libtarnwick-parser-dev", "libtarnwick-parser1", "tarnwick-parse-config"]
+def test_the_same_four_packages_are_made(device):
+    names = ["libtarnwick-parser-dev", "libtarnwick-parser1", "tarnwick-config", "tarnwick-parse-config"]
     assert sorted(device.packages) == names
 
 

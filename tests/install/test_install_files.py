@@ -38,8 +38,10 @@ LIBRARY_FILES = [
     "pkgconfig/tarnwick-parser.pc",
 ]
 OTHER_FILES = [
+    "usr/bin/tarnwick-config",
     "usr/bin/tarnwick-parse-config",
     "usr/share/bash-completion/completions/tarnwick-parse-config",
+    "usr/share/man/man1/tarnwick-config.1",
     "usr/share/man/man1/tarnwick-parse-config.1",
     "usr/share/man/man3/libtarnwick-parser.3",
     "usr/share/man/man5/tarnwick.conf.5",

@@ -10,7 +10,7 @@ import pytest
 from install_commands import ROOT, project_version, run
 from throw_away_root import throw_away_root
 
-NAMES = ["libtarnwick-parser-dev", "libtarnwick-parser1", "tarnwick-parse-config"]
+NAMES = ["libtarnwick-parser-dev", "libtarnwick-parser1", "tarnwick-config", "tarnwick-parse-config"]
 AUTOPKGTESTS = re.findall(r"^Tests: (\S+)$", (ROOT / "debian" / "tests" / "control").read_text(), flags=re.MULTILINE)
 
 
@@ -125,7 +125,7 @@ def test_the_installed_tool_answers(machine):
 
 @pytest.mark.parametrize(
     "section, page",
-    [("1", "tarnwick-parse-config"), ("3", "libtarnwick-parser"), ("5", "tarnwick.conf")],
+    [("1", "tarnwick-config"), ("1", "tarnwick-parse-config"), ("3", "libtarnwick-parser"), ("5", "tarnwick.conf")],
 )
 def test_man_renders_the_page(section, page, machine):
     shown = machine.inside("man", "--pager=cat", "--warnings", section, page)
@@ -149,6 +149,11 @@ def test_zsh_finds_the_completion_of_the_installed_tool(machine):
 def test_the_packaged_tool_is_hardened(native, tmp_path):
     run("dpkg-deb", "--extract", native["tarnwick-parse-config"], tmp_path)
     run(ROOT / "scripts" / "check-hardening", tmp_path / "usr" / "bin" / "tarnwick-parse-config")
+
+
+def test_the_installed_checker_checks_the_default_directory(machine):
+    answer = machine.inside("tarnwick-config", "check", "--strict")
+    assert (answer.stdout, answer.stderr) == ("", "")
 
 
 @pytest.mark.parametrize("name", AUTOPKGTESTS)

@@ -42,6 +42,14 @@ Shown tokensOf(std::string_view text) {
     return tokens;
 }
 
+TEST(TemplateText, NamesEverySourceThatItKnows) {
+    for (const std::string_view name : templateSourceNames()) {
+        const TemplateToken token = classifyTemplate(std::string(name) + ":a");
+        EXPECT_NE(token.problem, Problem::UnknownSource) << name;
+    }
+    EXPECT_EQ(templateSourceNames().size(), 7U);
+}
+
 TEST(TemplateText, OfNothingHasNoToken) {
     EXPECT_EQ(tokensOf(""), Shown{});
 }

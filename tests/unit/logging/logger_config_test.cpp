@@ -40,6 +40,26 @@ TEST_F(Loggers, NumberTheirLevelsAndTargets) {
     EXPECT_EQ(LoggerConfig::TargetFile, 3);
 }
 
+// --- Texts ---
+
+TEST_F(Loggers, TellWhichTextsAreLevels) {
+    for (const char* text : {"critical", "Debug", "0", "4", "0x3"}) {
+        EXPECT_TRUE(LoggerConfig::isLevel(text)) << text;
+    }
+    for (const char* text : {"", "5", "-1", "loud", "debug ", "3x"}) {
+        EXPECT_FALSE(LoggerConfig::isLevel(text)) << text;
+    }
+}
+
+TEST_F(Loggers, TellWhichTextsMayBeTargetsAndOpenNoFile) {
+    for (const char* text : {"systemd", "STDOUT", "stderr", "/no/such/directory/log"}) {
+        EXPECT_TRUE(LoggerConfig::isTarget(text)) << text;
+    }
+    for (const char* text : {"", "journal", "relative/log", " stderr"}) {
+        EXPECT_FALSE(LoggerConfig::isTarget(text)) << text;
+    }
+}
+
 // --- Creation and registry ---
 
 TEST_F(Loggers, BeginWithTheirLevelAndTheJournal) {

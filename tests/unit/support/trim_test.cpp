@@ -7,6 +7,16 @@
 namespace Tarnwick::Parser {
 namespace {
 
+TEST(Trim, TakesSixCharactersForWhiteSpace) {
+    std::string spaces;
+    for (int code = 0; code < 256; ++code) {
+        if (isSpace(static_cast<char>(code))) {
+            spaces += static_cast<char>(code);
+        }
+    }
+    EXPECT_EQ(spaces, "\t\n\v\f\r ");
+}
+
 TEST(Trim, RemovesWhiteSpaceAtBothEnds) {
     EXPECT_EQ(trim("  a b  "), "a b");
     EXPECT_EQ(trim("a "), "a");
