@@ -115,7 +115,9 @@ def test_every_option_of_the_usage_text_is_a_heading_of_the_options_section():
 def test_every_kind_of_fault_is_a_heading_with_its_severity_and_meaning():
     page = (ROOT / "man" / "tarnwick-config.1.scd").read_text()
     listed = run_config("check", "--list-ids").stdout.decode().splitlines()
-    headings = re.findall(r"^\*([a-z0-9-]+)\* \((error|warning|error, warning)\)\n\t(.*)\.\+\+$", page, flags=re.MULTILINE)
+    headings = re.findall(
+        r"^\*([a-z0-9-]+)\* \((error|warning|error, warning)\)\n\t(.*)\.\+\+$", page, flags=re.MULTILINE
+    )
     documented = [(name, severities.split(",")[0], without_markup(text)) for name, severities, text in headings]
     assert documented == [tuple(map(without_markup, line.split("\t"))) for line in listed]
 
