@@ -8,11 +8,15 @@ import subprocess
 
 import pytest
 from support.tool import EMULATOR, run_config, run_tool, tool_command
-from text_examples import blocks_of, examples_in, run_example
+from text_examples import blocks_of, examples_in, idioms_in, run_example, run_idiom
 
 ROOT = pathlib.Path(__file__).parent.parent
 PAGES = sorted((ROOT / "man").glob("*.scd"))
-DOCUMENTS = [ROOT / "README.md", ROOT / "docs" / "file-format.md"]
+DOCUMENTS = [
+    ROOT / "README.md",
+    ROOT / "docs" / "file-format.md",
+    ROOT / "docs" / "reference.md",
+]
 BUILD = os.environ.get("TARNWICK_BUILD", "")
 
 EXAMPLES = [(path, example) for path in [*PAGES, *DOCUMENTS] for example in examples_in(path)]
@@ -23,9 +27,7 @@ def needs_build(example):
     return any(b.kind == "program" or "example-generator" in b.text for b in example.blocks)
 
 
-@pytest.mark.parametrize(
-    "example", [pytest.param(e, id=f"{p.name}: {e.title}") for p, e in EXAMPLES]
-)
+@pytest.mark.parametrize("example", [pytest.param(e, id=f"{p.name}: {e.title}") for p, e in EXAMPLES])
 def test_the_example_shows_what_happens(example, tmp_path):
     if needs_build(example) and (EMULATOR or not BUILD):
         pytest.skip("needs TARNWICK_BUILD, a build tree for this machine")
@@ -37,6 +39,55 @@ def test_the_example_shows_what_happens(example, tmp_path):
     assert results, "an example without a transcript proves nothing"
     for line, written, seen in results:
         assert seen == written, f"the transcript at line {line}"
+
+
+SHELLS = {
+    "dash -eu": ["dash", "-eu"],
+    "bash -euo pipefail": ["bash", "-euo", "pipefail"],
+    "bash": ["bash"],
+}
+IDIOMS = [
+    pytest.param(idiom, shell, id=f"{path.name}: {idiom.name}, {name}")
+    for path in [*PAGES, *DOCUMENTS]
+    for idiom in idioms_in(path)
+    for name, shell in SHELLS.items()
+    if name.startswith("bash") or idiom.kind != "bash idiom"
+]
+
+
+@pytest.mark.parametrize(("idiom", "shell"), IDIOMS)
+def test_a_piece_of_a_script_goes_on_unless_the_tool_fails(idiom, shell, tmp_path):
+    runs = []
+    for status in (0, 1, 2):
+        directory = tmp_path / str(status)
+        directory.mkdir()
+        runs.append(run_idiom(idiom, shell, status, directory))
+    value, failure, no_value = runs
+
+    assert (value.went_on, value.status) == (True, 0)
+    assert (no_value.went_on, no_value.status) == (True, 0)
+    assert (failure.went_on, failure.status) == (False, 1)
+    assert "usage" not in failure.output
+    if "list" in idiom.name:
+        assert (value.output, no_value.output) == ("mount: one\nmount: two\nwent-on\n", "went-on\n")
+    # The loops ask for two keys, whatever a request does with its standard input.
+    assert value.requests == no_value.requests == (2 if "loop" in idiom.name else 1)
+
+
+def test_no_transcript_takes_the_tool_s_output_without_its_status():
+    """In a transcript nothing shows whether `set -e` or a failure would be noticed."""
+    for path, example in EXAMPLES:
+        for block in example.blocks:
+            assert not re.search(
+                r"=\$\((tarnwick-parse-config|ask)\b", block.text
+            ), f"{path.name}:{block.line}: make it an idiom"
+
+
+def test_the_documents_have_idioms():
+    assert {path.name for path in [*PAGES, *DOCUMENTS] if idioms_in(path)} >= {
+        "README.md",
+        "tarnwick-parse-config.1.scd",
+    }
 
 
 def page_text(name):
@@ -64,13 +115,15 @@ def test_every_option_of_the_usage_text_is_a_heading_of_the_options_section():
 def test_every_kind_of_fault_is_a_heading_with_its_severity_and_meaning():
     page = (ROOT / "man" / "tarnwick-config.1.scd").read_text()
     listed = run_config("check", "--list-ids").stdout.decode().splitlines()
-    headings = re.findall(r"^\*([a-z0-9-]+)\* \((error|warning|error, warning)\)\n\t(.*)\.\+\+$", page, flags=re.MULTILINE)
+    headings = re.findall(
+        r"^\*([a-z0-9-]+)\* \((error|warning|error, warning)\)\n\t(.*)\.\+\+$", page, flags=re.MULTILINE
+    )
     documented = [(name, severities.split(",")[0], without_markup(text)) for name, severities, text in headings]
     assert documented == [tuple(map(without_markup, line.split("\t"))) for line in listed]
 
 
-# What is no message: the notes for package tools, and the C++ character constant of a quote.
-NO_MESSAGE = re.compile(r"""//[^\n]*|TARNWICK_DLOPEN_NOTE\([^;]*;|'"'""")
+# What is no message: comments, and the C++ character constant of a quote.
+NO_MESSAGE = re.compile(r"""//[^\n]*|'"'""")
 
 
 # Stands for a field of a diagnostic in the words of its record.
@@ -122,9 +175,7 @@ def built_pages(directory):
     for page in PAGES:
         target = directory / page.name.removesuffix(".scd")
         target.write_bytes(
-            subprocess.run(
-                ["scdoc"], input=page.read_bytes(), stdout=subprocess.PIPE, check=True
-            ).stdout
+            subprocess.run(["scdoc"], input=page.read_bytes(), stdout=subprocess.PIPE, check=True).stdout
         )
         yield target
 
@@ -167,10 +218,25 @@ def test_the_finder_refuses_a_block_that_nothing_announces(tmp_path):
 def test_the_runner_sees_a_wrong_answer(tmp_path):
     page = tmp_path / "page.md"
     page.write_text(
-        "<!-- example: two commands -->\n<!-- transcript -->\n```\n"
-        "$ echo one; false\none\n$ echo $?\n0\n```\n"
+        "<!-- example: two commands -->\n<!-- transcript -->\n```\n$ echo one; false\none\n$ echo $?\n0\n```\n"
     )
     work = tmp_path / "work"
     work.mkdir()
     [(_, written, seen)] = run_example(examples_in(page)[0], work, ["/bin/true"])
     assert seen == written.replace("0\n", "1\n")
+
+
+@pytest.mark.parametrize("shell", SHELLS.values(), ids=SHELLS)
+@pytest.mark.parametrize(
+    "text",
+    [
+        # Both go on after a failure; the second also under "set -e".
+        "value=$(tarnwick-parse-config --key K) || [ $? -ne 2 ] || value=none",
+        "value=$(tarnwick-parse-config --key K) || { [ $? -eq 2 ] && value=none; }",
+    ],
+)
+def test_the_idiom_s_runner_sees_one_that_loses_the_status(text, shell, tmp_path):
+    page = tmp_path / "page.md"
+    page.write_text(f"<!-- idiom: wrong -->\n```\n{text}\n```\n")
+    [idiom] = idioms_in(page)
+    assert run_idiom(idiom, shell, 1, tmp_path).went_on

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "name_characters.h"
 #include "support/character_set.h"
 
 namespace Tarnwick::Parser {

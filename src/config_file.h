@@ -32,7 +32,8 @@ struct ConfigLine {
     std::string_view value = {};  ///< Entry: all behind the first '='
 };
 
-/// Returns what the line, without its line feed, is.
+/// Returns what the line, without its line feed, is. With `LineReader`, which tells how each line
+/// ends, it shows every line of a file, also those that are no entries.
 [[nodiscard]] ConfigLine parseConfigLine(std::string_view line);
 
 /// One configuration file while it is read. The loader owns the record; readers point to it.

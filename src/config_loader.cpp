@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "environment_file.h"
 #include "support/find_files.h"
 #include "support/split_string.h"
 #include "support/trim.h"
@@ -12,10 +13,6 @@ namespace {
 
 std::string withTrailingSlash(const std::string& directory) {
     return directory.ends_with('/') ? directory : directory + '/';
-}
-
-std::uint32_t valueColumn(const ConfigFileIterator& entry) {
-    return static_cast<std::uint32_t>(entry.key().size() + 2);
 }
 
 /// Tells which keys are taken, and how. A pass for a few registered keys reads files full of
@@ -43,6 +40,21 @@ private:
     bool takesGroup_;
 };
 
+// Expands a piece, and tells a blank one before its exception. Those two are thrown by the library
+// alone, and never leave it: what a listener throws is not taken for them.
+bool expandPiece(std::string_view piece, const TemplateExpander& expander, LoadTeller& teller,
+                 ConfigValue& value) {
+    try {
+        return expander.expand(piece, value, teller.outcomes());
+    } catch (const BlankAssignment& error) {
+        teller.fault({.problem = Problem::ValueBlank, .text = piece, .path = error.path()});
+        throw;
+    } catch (const BlankText&) {
+        teller.fault({.problem = Problem::ValueBlank, .text = piece});
+        throw;
+    }
+}
+
 [[noreturn]] void throwWithPlace(const BlankText& error, const std::string& path,
                                  const ConfigFileIterator& entry) {
     throw std::length_error(path + ':' + std::to_string(entry.lineNumber()) + ": key '" +
@@ -58,34 +70,40 @@ std::vector<std::string> listConfigFiles(const std::string& directory) {
 
 bool expandText(std::string_view text, const TemplateContext& context, const LoadListener& listener,
                 ConfigValue& out) {
+    const std::string own(text);  // It may be a view of `out.text`.
     LoadTeller teller(listener);
-    teller.beginEntry(0, 1, {}, {}, text);
-    const DiagnosticSink sink = [&teller](const Diagnostic& found) {
-        logDiagnostic(found);
-        teller.fault(found);
-    };
-    const bool isExpanded = TemplateExpander(context, sink).expand(text, out, teller.outcomes());
-    if (isExpanded) {
-        teller.stored(out);
-    } else {
-        teller.dropped();
+    teller.beginText(own);
+    try {
+        if (!expandPiece(own, TemplateExpander(context, teller.sink()), teller, out)) {
+            teller.dropped();
+            return false;
+        }
+    } catch (const BlankText& error) {
+        throw std::length_error(error.what());
     }
-    return isExpanded;
+    teller.stored(&out, Problem::ValueEmpty);
+    return true;
+}
+
+TemplateResult resolveToken(const TemplateToken& token, std::string_view whole,
+                            const TemplateContext& context, std::string& text) {
+    try {
+        return TemplateExpander(context, logDiagnostic).resolve(token, whole, text);
+    } catch (const BlankText& error) {
+        throw std::length_error(error.what());
+    }
 }
 
 ConfigLoader::ConfigLoader(ConfigStore& store, const TemplateContext& context,
                            const LoadListener& listener)
-    : store_(store),
-      teller_(listener),
-      sink_([this](const Diagnostic& found) { report(found); }),
-      expander_(context, sink_) {}
+    : store_(store), teller_(listener), sink_(teller_.sink()), expander_(context, sink_) {}
 
 LoadResult ConfigLoader::loadConfigs(const std::vector<std::string>& directories) {
     LoadResult result = LoadResult::NoConfiguration;
     for (const std::string& directory : directories) {
         for (const std::string& path : listConfigFiles(directory)) {
             if (!loadFile(path)) {
-                report({.problem = Problem::ConfigurationInvalid, .place = {.file = path}});
+                sink_({.problem = Problem::ConfigurationInvalid, .place = {.file = path}});
                 return LoadResult::InvalidConfiguration;
             }
             result = LoadResult::Ok;
@@ -98,7 +116,7 @@ bool ConfigLoader::loadDirectory(const std::string& directory) {
     const std::vector<std::string> paths = listConfigFiles(directory);
     if (paths.empty()) {
         const std::string searched = withTrailingSlash(directory);
-        report({.problem = Problem::DirectoryEmpty, .place = {.file = searched}});
+        sink_({.problem = Problem::DirectoryEmpty, .place = {.file = searched}});
         return false;
     }
     bool isLoaded = true;
@@ -120,55 +138,48 @@ bool ConfigLoader::loadFile(const std::string& path) {
         try {
             storeEntry(entry, static_cast<KeyMode>(mode));
         } catch (const BlankText& error) {
-            report({.problem = Problem::ValueBlank, .text = entry.value()});
             throwWithPlace(error, path, entry);
         }
     }
     if (file.failed) {
-        report({.problem = Problem::FileFailed, .place = {.file = path}});
+        sink_({.problem = Problem::FileFailed, .place = {.file = path}});
     }
     return !file.failed;
-}
-
-void ConfigLoader::storeEntry(const ConfigFileIterator& entry, KeyMode mode) {
-    teller_.beginEntry(entry.lineNumber(), valueColumn(entry), entry.group(), entry.key(),
-                       entry.value());
-    const std::string key(entry.key());
-    if (entry.value().empty()) {
-        teller_.removed(store_.removeKey(entry.group(), key));
-        return;
-    }
-    std::string_view rest = entry.value();
-    for (std::string_view piece; takePiece(rest, ';', piece);) {
-        teller_.beginPiece(piece);
-        if (piece.empty()) {
-            teller_.dropped(Problem::PieceEmpty);
-        } else {
-            storePiece(entry.group(), key, piece, mode);
-        }
-    }
 }
 
 void ConfigLoader::storePiece(const std::string& group, const std::string& key,
                               std::string_view piece, KeyMode mode) {
     // Templates are expanded whatever the mode, also when the text is then dropped.
     ConfigValue value;
-    if (!expander_.expand(piece, value, teller_.outcomes())) {
+    if (!expandPiece(piece, expander_, teller_, value)) {
         teller_.dropped();  // the file still counts as loaded
-    } else if (mode == KeyMode::Replace) {
-        teller_.stored(store_.replaceValues(group, key, std::move(value)));
-    } else if (mode != KeyMode::Append) {
-        teller_.dropped(Problem::ModeWithoutName);
-    } else if (const ConfigValue* stored = store_.appendValue(group, key, std::move(value))) {
-        teller_.stored(*stored);
-    } else {
-        teller_.dropped(Problem::ValueEmpty);
+        return;
     }
+    const ConfigValue* stored = nullptr;
+    if (mode == KeyMode::Append) {
+        stored = store_.appendValue(group, key, std::move(value));
+    } else if (mode == KeyMode::Replace) {
+        stored = &store_.replaceValues(group, key, std::move(value));
+    }
+    teller_.stored(stored,
+                   mode == KeyMode::Append ? Problem::ValueEmpty : Problem::ModeWithoutName);
 }
 
-void ConfigLoader::report(const Diagnostic& found) {
-    logDiagnostic(found);
-    teller_.fault(found);
+void ConfigLoader::storeEntry(const ConfigFileIterator& entry, KeyMode mode) {
+    const std::string key(entry.key());
+    if (entry.value().empty()) {
+        teller_.removed(entry, store_.removeKey(entry.group(), key));
+        return;
+    }
+    std::string_view rest = entry.value();
+    for (std::string_view piece; takePiece(rest, ';', piece);) {
+        teller_.beginPiece(entry, piece);
+        if (piece.empty()) {
+            teller_.dropped(Problem::PieceEmpty);
+        } else {
+            storePiece(entry.group(), key, piece, mode);
+        }
+    }
 }
 
 }  // namespace Tarnwick::Parser

@@ -24,11 +24,15 @@ namespace Tarnwick::Parser {
 [[nodiscard]] bool expandText(std::string_view text, const TemplateContext& context,
                               const LoadListener& listener, ConfigValue& out);
 
+/// Resolves one template, a token of `whole`, as `ConfigParser::resolveTemplate` says.
+[[nodiscard]] TemplateResult resolveToken(const TemplateToken& token, std::string_view whole,
+                                          const TemplateContext& context, std::string& text);
+
 /// Reads directories and files into a store, each piece of a value through the expander. What is
-/// found is logged in the moment it is found, and then told to the listener, which may be empty.
+/// found is logged as soon as it is found, and then told to the listener, which may be empty.
 class ConfigLoader {
 public:
-    /// Store, context and listener have to outlive the loader.
+    /// Store, listener and the context's variables have to outlive the loader.
     ConfigLoader(ConfigStore& store, const TemplateContext& context, const LoadListener& listener);
     ConfigLoader(const ConfigLoader&) = delete;
     ConfigLoader& operator=(const ConfigLoader&) = delete;
@@ -44,7 +48,6 @@ private:
     void storeEntry(const ConfigFileIterator& entry, KeyMode mode);
     void storePiece(const std::string& group, const std::string& key, std::string_view piece,
                     KeyMode mode);
-    void report(const Diagnostic& found);
 
     ConfigStore& store_;
     LoadTeller teller_;

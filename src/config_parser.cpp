@@ -108,14 +108,11 @@ bool ConfigParser::parseTemplates(std::string_view valueText, ConfigValue& out,
 TemplateResult ConfigParser::resolveTemplate(const std::string& name, std::string& text,
                                              std::pair<std::string, std::string>& target) const {
     const TemplateToken token = classifyTemplate(name);
-    const TemplateExpander expander(contextOf(*data_), logDiagnostic);
-    const TemplateResult result = expander.resolve(token, name, text);
-    if (result == TemplateResult::Reference) {
+    if (token.kind == TemplateToken::Kind::Reference) {
         text.clear();
-        target.first = token.group;
-        target.second = token.key;
+        target = {std::string(token.group), std::string(token.key)};
     }
-    return result;
+    return resolveToken(token, name, contextOf(*data_), text);
 }
 
 bool ConfigParser::reparseValue(ConfigValue& value) const {

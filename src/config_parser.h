@@ -69,8 +69,8 @@ public:
     /// Returns the names of all groups that have an entry, in byte order.
     [[nodiscard]] std::vector<std::string> groups() const;
 
-    /// Returns the names of the group's keys that have an entry, in byte order; none for a group
-    /// that there is not.
+    /// Returns the names of the group's keys that have an entry, in byte order; none for an unknown
+    /// group.
     [[nodiscard]] std::vector<std::string> keys(const std::string& group) const;
 
     // --- Template variables ---
@@ -193,8 +193,8 @@ public:
     /// "$$" stands for "$". "${NAME}" is a template variable, "${SOURCE:ARGUMENT}" draws on one
     /// of config, env, envfile, realpath, dconf, prop and system. The expanded text is trimmed.
     ///
-    /// The listener is told each fault, and in the end Stored with `out` or Dropped with the cause;
-    /// the text is the piece, which stands in no file.
+    /// The listener is told each fault, and in the end Stored with `out` or Dropped with the cause,
+    /// or, of a blank text, the fault alone. The text is the piece, which stands in no file.
     ///
     /// Throws `std::length_error` when the expanded text is white space alone, and as
     /// `resolveTemplate` does.

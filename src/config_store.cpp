@@ -78,7 +78,7 @@ const std::vector<ConfigValue>* ConfigStore::find(const std::string& group,
 }
 
 std::vector<ConfigValue>& ConfigStore::valueList(const std::string& group, const std::string& key) {
-    const auto keys = values_.find(group);  // groups are few: quicker than a hash
+    const auto keys = values_.find(group);  // for few groups a search without a hash
     return (keys != values_.end() ? keys->second : values_[group])[key];
 }
 

@@ -9,7 +9,8 @@
 
 namespace Tarnwick::Parser {
 
-/// What can be found while configuration is read, expanded or looked up.
+/// What can be found while configuration is read, expanded or looked up. New problems go to the
+/// end: programs are built with these numbers.
 enum class Problem : std::int32_t {
     // Of a file's lines: they make the file fail.
     UnexpectedLine,   ///< the first character begins no kind of line
@@ -18,15 +19,15 @@ enum class Problem : std::int32_t {
     KeyWithoutValue,  ///< a key line without '='
     KeyCharacters,    ///< a character that no key may hold
 
-    // Of a template's form: they make the piece of the value be dropped, as all below do.
+    // Of a template's form: the piece of the value is dropped.
     TemplateDollar,       ///< a '$' before anything but '{' or '$'
     TemplateNotClosed,    ///< "${" without '}'
     UnknownVariable,      ///< "${NAME}" of a variable that is not set
-    UnknownSource,        ///< "${SOURCE:ARGUMENT}" of a source that there is not
+    UnknownSource,        ///< "${SOURCE:ARGUMENT}" of an unknown source
     ReferenceForm,        ///< "${config:ARGUMENT}" without a group and a key
-    EnvironmentFileForm,  ///< "${envfile:ARGUMENT}" without a path and a variable
+    EnvironmentFileForm,  ///< "${envfile:ARGUMENT}" without a ':' between path and variable
 
-    // Of a template's source: it has no text. Common and harmless.
+    // Of a template's source: it has no text, and the piece is dropped. Common and harmless.
     EnvironmentMissing,      ///< an environment variable that is not set, or empty
     EnvironmentFileMissing,  ///< a variable that no line of the environment file assigns
     PathMissing,             ///< a path that does not exist
@@ -34,11 +35,15 @@ enum class Problem : std::int32_t {
     PropertyMissing,         ///< an Android property without a value
     CommandFailed,           ///< a command that did not end with status 0
 
-    // Of a piece of a value: it is not stored. These are told to listeners alone.
+    // Of a piece of a value: it is not stored. Listeners alone are told, the first three only as
+    // the
+    // reason of a dropped piece.
     PieceEmpty,       ///< nothing between two ';', or before the first
     ValueEmpty,       ///< expanded to nothing, and values of the key are appended
     ModeWithoutName,  ///< the key is registered with a mode that stores nothing
-    ValueBlank,       ///< expanded to white space alone: `std::length_error` follows
+    /// It, or a name or value of an environment file that it reads, whose path is given, is white
+    /// space alone: `std::length_error` follows.
+    ValueBlank,
 
     // Of files and directories.
     FileUnreadable,        ///< cannot be opened or read; told to listeners alone
@@ -60,17 +65,18 @@ struct Place {
 };
 
 /// One thing that was found, with the texts that its problem needs; the others are empty. The
-/// views are valid while the diagnostic is being told.
+/// views are valid while the diagnostic is being told. Programs may make diagnostics, so the fields
+/// stay as they are within a major version.
 struct Diagnostic {
-    Problem problem;
-    Place place = {};
+    Problem problem;                 ///< what was found
+    Place place = {};                ///< where
     std::string_view text = {};      ///< the whole line, or the whole piece of the value
     std::string_view name = {};      ///< a template's name, all between its braces
     std::string_view argument = {};  ///< what the source was asked for: a variable, a path, a key
     std::string_view path = {};      ///< an environment file's path
 };
 
-/// Receives what is found, in the moment it is found.
+/// Receives what is found, as soon as it is found.
 using DiagnosticSink = std::function<void(const Diagnostic& found)>;
 
 /// Returns the words of the diagnostic's log record, or an empty text for a problem that is told

@@ -3,7 +3,6 @@
 #include "logging/log_record.h"
 #include "support/line_reader.h"
 #include "support/split_string.h"
-#include "support/trim.h"
 
 namespace Tarnwick::Parser {
 namespace {
@@ -27,10 +26,6 @@ std::optional<std::string> assignedValue(std::string_view line, const std::strin
     return withoutQuotes(trim(parts[1]));
 }
 
-[[noreturn]] void throwWithPath(const BlankText& error, const std::string& path) {
-    throw BlankText("environment file '" + path + "': " + error.what());
-}
-
 bool isLine(LineReader::Outcome outcome) {
     return outcome == LineReader::Outcome::Line || outcome == LineReader::Outcome::UnterminatedLine;
 }
@@ -49,7 +44,7 @@ std::optional<std::string> readEnvFile(const std::string& path, const std::strin
                 value = std::move(assigned);
             }
         } catch (const BlankText& error) {
-            throwWithPath(error, path);
+            throw BlankAssignment(path, error.what());
         }
     }
     if (report && outcome == LineReader::Outcome::Failure) {

@@ -4,29 +4,30 @@
 #include <cstdint>
 #include <functional>
 #include <span>
-#include <string>
 #include <string_view>
 
 #include "config_value.h"
 #include "diagnostic.h"
-#include "parser_types.h"
+#include "template_text.h"
 
 namespace Tarnwick::Parser {
 
-/// What one template of a piece came to.
-struct TemplateOutcome {
-    std::string_view name;          ///< all between the braces
-    std::uint32_t firstColumn = 0;  ///< of the '$', in the file's line or in the text expanded
-    std::uint32_t lastColumn = 0;   ///< of the '}'
-    TemplateResult result = TemplateResult::Failed;
-    std::string text = {};        ///< Resolved: the replacement
-    std::string_view group = {};  ///< Reference: the group it names
-    std::string_view key = {};    ///< Reference: the key it names
-};
-
-/// What a load tells its listener, in the order of reading.
+/// What a load tells its listener, in the order of reading. Only the library makes events: later
+/// versions may add fields at the end.
+///
+/// The fields that each kind fills, besides `kind` and `place`:
+///
+///     File     none; the place is the file
+///     Stored   group, key, entry, piece, value, templates
+///     Removed  group, key, count; the place is behind the '='
+///     Dropped  group, key, entry, piece, fault, templates
+///     Fault    fault; of a template or a blank value also group, key, entry, piece
+///
+/// A piece that a fault of a template drops is told twice: the fault, then the piece as dropped. A
+/// blank value is told as a fault alone, since its exception follows.
 struct LoadEvent {
-    enum class Kind {
+    /// What happened.
+    enum class Kind : std::int32_t {
         File,     ///< a file is about to be read
         Stored,   ///< a piece became a value of its key
         Removed,  ///< an empty value removed the key
@@ -34,20 +35,20 @@ struct LoadEvent {
         Fault,    ///< something was found; it has been logged, if its problem has words
     };
 
-    Kind kind;
-    /// File, and line and columns of the piece; of a fault, the place of the fault.
+    Kind kind;  ///< what happened; it decides which of the others are set
+    /// File, line and columns of the piece; of a fault, the place of the fault.
     Place place = {};
-    std::string_view group = {};
-    std::string_view key = {};
+    std::string_view group = {};  ///< the group of the line
+    std::string_view key = {};    ///< the key of the line
     std::string_view entry = {};  ///< all behind the '=' of the line
     std::string_view piece = {};  ///< the part of `entry` between two ';' that this is about
-    /// Stored: the value as it stands in the store.
+    /// The value as it stands in the store.
     const ConfigValue* value = nullptr;
-    /// Fault: what was found. Dropped: why, a fault that was told before or one that is not logged.
+    /// What was found. Of a dropped piece: why, a fault that was told before or one without words.
     const Diagnostic* fault = nullptr;
-    /// Stored and Dropped: the piece's templates from the left, as far as they were looked at.
+    /// The piece's templates from the left, as far as they were looked at.
     std::span<const TemplateOutcome> templates = {};
-    /// Removed: how many values went.
+    /// How many values an empty value removed.
     std::size_t count = 0;
 };
 

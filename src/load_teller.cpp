@@ -1,5 +1,7 @@
 #include "load_teller.h"
 
+#include <algorithm>
+
 namespace Tarnwick::Parser {
 namespace {
 
@@ -12,22 +14,26 @@ void LoadTeller::tellFile(const std::string& path) {
     listener_(current_);
 }
 
-void LoadTeller::noteEntry(std::uint32_t line, std::uint32_t valueColumn, std::string_view group,
-                           std::string_view key, std::string_view value) {
-    current_.place.line = line;
-    current_.group = group;
-    current_.key = key;
-    current_.entry = value;
-    valueColumn_ = valueColumn;
-    notePiece(value);
+void LoadTeller::notePiece(const ConfigFileIterator& entry, std::string_view piece) {
+    current_.group = entry.group();
+    current_.key = entry.key();
+    current_.entry = entry.value();
+    const std::size_t valueColumn = entry.key().size() + 2;
+    const auto offset = static_cast<std::size_t>(piece.data() - entry.value().data());
+    placePiece(piece, entry.lineNumber(), valueColumn + offset);
 }
 
-void LoadTeller::notePiece(std::string_view piece) {
-    const auto offset = static_cast<std::uint32_t>(piece.data() - current_.entry.data());
-    const auto length = static_cast<std::uint32_t>(piece.size());
+void LoadTeller::beginText(std::string_view text) {
+    current_.entry = text;
+    placePiece(text, 0, 1);
+}
+
+void LoadTeller::placePiece(std::string_view piece, std::uint32_t line, std::size_t column) {
+    const std::size_t length = std::max<std::size_t>(piece.size(), 1);
     current_.piece = piece;
-    current_.place.firstColumn = valueColumn_ + offset;
-    current_.place.lastColumn = current_.place.firstColumn + (length > 0 ? length - 1 : 0);
+    current_.place.line = line;
+    current_.place.firstColumn = static_cast<std::uint32_t>(column);
+    current_.place.lastColumn = static_cast<std::uint32_t>(column + length - 1);
     outcomes_.clear();
 }
 
@@ -44,28 +50,43 @@ void LoadTeller::tellFault(const Diagnostic& found) {
     listener_(event);
 }
 
-void LoadTeller::tellRemoved(std::size_t count) {
+void LoadTeller::tellRemoved(const ConfigFileIterator& entry, std::size_t count) {
+    notePiece(entry, entry.value());
     LoadEvent event = current_;
     event.kind = Kind::Removed;
     event.count = count;
     listener_(event);
 }
 
-void LoadTeller::tellDropped(Problem reason) {
-    lastFault_ = {.problem = reason, .place = current_.place, .text = current_.piece};
-    dropped();
+void LoadTeller::tellStored(const ConfigValue* value, Problem otherwise) {
+    if (value == nullptr) {
+        tellDropped(otherwise);
+        return;
+    }
+    LoadEvent event = current_;
+    event.kind = Kind::Stored;
+    event.value = value;
+    tellPiece(event);
 }
 
-void LoadTeller::tellPiece(Kind kind, const ConfigValue* value, const Diagnostic* why) {
+void LoadTeller::tellDropped() {
+    LoadEvent event = current_;
+    event.kind = Kind::Dropped;
+    event.fault = &lastFault_;
+    tellPiece(event);
+}
+
+void LoadTeller::tellDropped(Problem reason) {
+    lastFault_ = {.problem = reason, .place = current_.place, .text = current_.piece};
+    tellDropped();
+}
+
+void LoadTeller::tellPiece(LoadEvent event) {
     const std::uint32_t before = current_.place.firstColumn - 1;
     for (TemplateOutcome& outcome : outcomes_) {
         outcome.firstColumn += before;
         outcome.lastColumn += before;
     }
-    LoadEvent event = current_;
-    event.kind = kind;
-    event.value = value;
-    event.fault = why;
     event.templates = outcomes_;
     listener_(event);
 }

@@ -15,11 +15,11 @@ std::optional<std::string> unlessEmpty(std::string text) {
     return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
-std::optional<std::string> fromEnvironment(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromEnv(const TemplateToken& from, std::int32_t) {
     return unlessEmpty(readEnv(std::string(from.argument).c_str(), ""));
 }
 
-std::optional<std::string> fromEnvironmentFile(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromEnvFile(const TemplateToken& from, std::int32_t) {
     return readEnvFile(std::string(from.path), std::string(from.variable), false);
 }
 
@@ -31,22 +31,49 @@ std::optional<std::string> fromDconf(const TemplateToken& from, std::int32_t use
     return unlessEmpty(readDconf(std::string(from.argument), userId));
 }
 
-std::optional<std::string> fromProperties(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromProp(const TemplateToken& from, std::int32_t) {
     return unlessEmpty(readProperty(std::string(from.argument)));
 }
 
-std::optional<std::string> fromCommand(const TemplateToken& from, std::int32_t) {
+std::optional<std::string> fromSystem(const TemplateToken& from, std::int32_t) {
     int status = -1;
     const std::string output = runCommand(std::string(from.argument), {}, &status);
     return status == 0 ? std::optional(trim(output)) : std::nullopt;
 }
 
-// What is found when a source has no text, by `TemplateSource`.
-constexpr std::array kMissing{
-    Problem::EnvironmentMissing, Problem::EnvironmentFileMissing, Problem::PathMissing,
-    Problem::DconfMissing,       Problem::PropertyMissing,        Problem::CommandFailed,
+struct SourceRow {
+    TemplateSource source;
+    SourceReader read;
+    Problem missing;  // what is found when the source has no text
 };
-static_assert(kMissing.size() == std::tuple_size_v<SourceReaders>);
+constexpr std::array kSources{
+    SourceRow{TemplateSource::Env, fromEnv, Problem::EnvironmentMissing},
+    SourceRow{TemplateSource::EnvFile, fromEnvFile, Problem::EnvironmentFileMissing},
+    SourceRow{TemplateSource::RealPath, fromRealPath, Problem::PathMissing},
+    SourceRow{TemplateSource::Dconf, fromDconf, Problem::DconfMissing},
+    SourceRow{TemplateSource::Prop, fromProp, Problem::PropertyMissing},
+    SourceRow{TemplateSource::System, fromSystem, Problem::CommandFailed},
+};
+
+static_assert(
+    [] {
+        std::size_t index = 0;
+        for (const SourceRow& row : kSources) {
+            if (static_cast<std::size_t>(row.source) != index++) {
+                return false;
+            }
+        }
+        return index == std::tuple_size_v<SourceReaders>;
+    }(),
+    "misplaced row");
+
+constexpr SourceReaders readersOf(const decltype(kSources)& rows) {
+    SourceReaders readers{};
+    for (std::size_t index = 0; index < rows.size(); ++index) {
+        readers[index] = rows[index].read;
+    }
+    return readers;
+}
 
 std::size_t indexOf(TemplateSource source) {
     return static_cast<std::size_t>(source);
@@ -58,7 +85,7 @@ Problem problemOf(const TemplateToken& token) {
         case Kind::Variable:
             return Problem::UnknownVariable;
         case Kind::Source:
-            return kMissing.at(indexOf(token.source));
+            return kSources.at(indexOf(token.source)).missing;
         default:
             return token.problem;
     }
@@ -77,8 +104,7 @@ TemplateOutcome outcomeOf(const TemplateToken& token, TemplateResult result,
 
 }  // namespace
 
-constinit const SourceReaders kSourceReaders{fromEnvironment, fromEnvironmentFile, fromRealPath,
-                                             fromDconf,       fromProperties,      fromCommand};
+constinit const SourceReaders kSourceReaders = readersOf(kSources);
 
 bool TemplateExpander::expand(std::string_view text, ConfigValue& out,
                               std::vector<TemplateOutcome>* outcomes) const {

@@ -11,7 +11,6 @@
 
 #include "config_value.h"
 #include "diagnostic.h"
-#include "load_event.h"
 #include "parser_types.h"
 #include "template_text.h"
 
@@ -26,14 +25,14 @@ using SourceReaders = std::array<SourceReader, 6>;
 /// The readers of the real sources: environment, files, dconf, properties, commands.
 extern const SourceReaders kSourceReaders;
 
-/// What templates are expanded with. The variables have to outlive it.
+/// What templates are expanded with. It refers to the variables.
 struct TemplateContext {
     const std::map<std::string, std::string>& variables;
     std::int32_t userId;  ///< whose dconf database is read; -1 for the process's own
-    const SourceReaders& readers = kSourceReaders;
+    SourceReaders readers = kSourceReaders;
 };
 
-/// Expands the templates of texts. Tells `sink` what it finds, in the moment it finds it; the
+/// Expands the templates of texts. Tells `sink` what it finds, as soon as it finds it. The
 /// context's variables have to outlive it.
 class TemplateExpander {
 public:

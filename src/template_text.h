@@ -3,18 +3,23 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "api.h"
 #include "diagnostic.h"
+#include "parser_types.h"
 
 namespace Tarnwick::Parser {
 
-/// Where the text of a template "${SOURCE:ARGUMENT}" comes from.
+/// Where the text of a template "${SOURCE:ARGUMENT}" comes from. New sources go to the end:
+/// programs are built with these numbers.
 enum class TemplateSource : std::int32_t { Env, EnvFile, RealPath, Dconf, Prop, System };
 
-/// One part of a value's text. All views point into the text.
+/// One part of a value's text. All views point into the text. Programs make tokens, so the fields
+/// stay as they are within a major version; so do those of `TemplateOutcome`.
 struct TemplateToken {
+    /// What the part is.
     enum class Kind : std::int32_t {
         Literal,    ///< stands for `text`
         Variable,   ///< "${NAME}"
@@ -23,7 +28,7 @@ struct TemplateToken {
         Fault,      ///< `problem` says what is wrong
     };
 
-    Kind kind = Kind::Literal;
+    Kind kind = Kind::Literal;   ///< what the part is; it decides which of the others are set
     std::size_t first = 0;       ///< offset of the first byte of the token in the text
     std::size_t end = 0;         ///< offset behind its last byte
     std::string_view text = {};  ///< Literal: what it stands for, one "$" for "$$"
@@ -37,6 +42,17 @@ struct TemplateToken {
     std::string_view key = {};                    ///< Reference: the key
 
     Problem problem = Problem::TemplateDollar;  ///< Fault: what is wrong
+};
+
+/// What one template of a text came to.
+struct TemplateOutcome {
+    std::string_view name;          ///< all between the braces
+    std::uint32_t firstColumn = 0;  ///< of the '$', in the file's line or in the text expanded
+    std::uint32_t lastColumn = 0;   ///< of the '}'
+    TemplateResult result = TemplateResult::Failed;  ///< what came of it
+    std::string text = {};                           ///< Resolved: the replacement
+    std::string_view group = {};                     ///< Reference: the group it names
+    std::string_view key = {};                       ///< Reference: the key it names
 };
 
 /// Returns what the template `name`, the text between "${" and "}", is: a variable, a source, a

@@ -36,7 +36,4 @@ void printUsage(const std::string& programName);
 /// Returns the program's name as it was called, or an empty text when it was given none.
 [[nodiscard]] std::string programName(int count, const char* const* arguments);
 
-/// Returns the texts with `separator` between neighbours.
-[[nodiscard]] std::string join(const std::vector<std::string>& texts, char separator);
-
 }  // namespace Tarnwick::Parser::Tool

@@ -12,6 +12,7 @@
 #include "logging/log_record.h"
 #include "logging/logger_config.h"
 #include "process_setup.h"
+#include "support/join_strings.h"
 #include "template_variables.h"
 
 namespace {
@@ -22,16 +23,10 @@ using namespace Tarnwick::Parser::Tool;
 
 enum ExitStatus : int { ExitSuccess = 0, ExitFailure = 1, ExitNoValue = 2 };
 
-void setVariables(ConfigParser& parser, const User& user) {
-    for (const TemplateVariable& variable : templateVariables()) {
-        parser.setVariable(std::string(variable.name), variable.text(user));
-    }
-}
-
 bool load(ConfigParser& parser, const std::vector<std::string>& directories) {
     const LoadResult result = parser.loadConfigs(directories);
     if (result == LoadResult::NoConfiguration) {
-        std::cerr << "No configuration to read in " << join(directories, ',') << '\n';
+        std::cerr << "No configuration to read in " << joinStrings(directories, ',') << '\n';
     }
     return result == LoadResult::Ok;
 }
@@ -63,7 +58,7 @@ ExitStatus printValue(const ConfigParser& parser, const Options& options) {
     if (options.list) {
         std::vector<std::string> values;
         parser.getValue(options.group, options.key, values);
-        return print(join(values, ';'));
+        return print(joinStrings(values, ';'));
     }
     std::string value;
     parser.getValue(options.group, options.key, value);

@@ -5,23 +5,28 @@
 #include <string>
 #include <string_view>
 
+#include "config_parser.h"
+
 namespace Tarnwick::Parser::Tool {
 
 /// Whose configuration is read.
 struct User {
-    std::int32_t id;
+    std::int32_t id = -1;
     std::string name;
     std::string home;
     std::string instance;
 };
 
-/// A variable that the files may name, such as "HOME", and the text that it has for a user.
+/// A template variable that the files may name, and where its text comes from.
 struct TemplateVariable {
     std::string_view name;
     std::string (*text)(const User& user);
 };
 
-/// Returns the variables, in the order in which they are set.
+/// Returns the template variables, in the order in which they are set.
 [[nodiscard]] std::span<const TemplateVariable> templateVariables();
+
+/// Sets every template variable for this user.
+void setVariables(ConfigParser& parser, const User& user);
 
 }  // namespace Tarnwick::Parser::Tool

@@ -29,16 +29,22 @@ def answers_of(tool, source, names):
 
 def check(path):
     """`check` of one unknown group, of which one fault tells."""
-    return Program(f"{NAME} check", path, lambda source: ["check", source.directory],
-                   is_right=lambda source, printed: printed.count("[unknown-") == 1)
+    return Program(
+        f"{NAME} check",
+        path,
+        lambda source: ["check", source.directory],
+        is_right=lambda source, printed: printed.count("[unknown-") == 1,
+    )
 
 
 def check_examples(path):
     """`check` of what the examples set up; what is broken on purpose would end it with 1."""
-    return Program(f"{NAME} check", path,
-                   lambda source: ["check", source.directory / "vendor.conf.d",
-                                   source.directory / "user.conf.d"],
-                   is_right=lambda source, printed: True)
+    return Program(
+        f"{NAME} check",
+        path,
+        lambda source: ["check", source.directory / "vendor.conf.d", source.directory / "user.conf.d"],
+        is_right=lambda source, printed: True,
+    )
 
 
 def show(path):
@@ -46,12 +52,14 @@ def show(path):
         last = f"{source.group}/{source.key}={source.answer}\n"
         return last in printed and printed.count("\n") == source.keys
 
-    return Program(f"{NAME} show", path, lambda source: ["show", *context(source)],
-                   is_right=is_right)
+    return Program(f"{NAME} show", path, lambda source: ["show", *context(source)], is_right=is_right)
 
 
 def get(path, names):
     """`get` of the (group, key) names, from one load."""
     keys = [f"{group}/{key}" for group, key in names]
-    return Program(f"{NAME} get, {len(keys)} {'key' if len(keys) == 1 else 'keys'}", path,
-                   lambda source: ["get", *context(source), *keys])
+    return Program(
+        f"{NAME} get, {len(keys)} {'key' if len(keys) == 1 else 'keys'}",
+        path,
+        lambda source: ["get", *context(source), *keys],
+    )

@@ -110,7 +110,7 @@ def startup_input(top, files=12):
 def startup_keys(count, files=12):
     """(group, key) of `count` keys of the start-up input, spread over its files and groups."""
     numbers = [number for number in range(25 * files) if number % 25 != 9]  # there: "Hostname"
-    chosen = numbers[::len(numbers) // count][:count]
+    chosen = numbers[:: len(numbers) // count][:count]
     return [(STARTUP_GROUPS[number % 25 // 5], f"Setting{number}") for number in chosen]
 
 

@@ -36,8 +36,7 @@ def same_arguments(source):
 
 
 def tool_arguments(source):
-    return ["--config", source.directory, "--user-id", os.getuid(),
-            "--group", source.group, "--key", source.key]
+    return ["--config", source.directory, "--user-id", os.getuid(), "--group", source.group, "--key", source.key]
 
 
 def list_arguments(source):
@@ -81,10 +80,15 @@ def known_programs(build):
         Program("libinih", built(peers / "inih"), same_arguments),
         Program(KEY_FILE, built(peers / "gkeyfile"), same_arguments),
         Program(GIT, installed("git"), git_arguments),
-        Program("kreadconfig5", installed("kreadconfig5"), kreadconfig_arguments,
-                most_keys=1_000_000, most_files=100, environment=kreadconfig_environment),
-        Program("crudini", installed("crudini"), crudini_arguments,
-                most_keys=10_000, most_files=100),
+        Program(
+            "kreadconfig5",
+            installed("kreadconfig5"),
+            kreadconfig_arguments,
+            most_keys=1_000_000,
+            most_files=100,
+            environment=kreadconfig_environment,
+        ),
+        Program("crudini", installed("crudini"), crudini_arguments, most_keys=10_000, most_files=100),
     ]
 
 
@@ -99,7 +103,8 @@ def built_tool(build):
 def able_programs(programs, source):
     """Those that are here and can read an input of this size."""
     return [
-        program for program in programs
+        program
+        for program in programs
         if program.path and source.keys <= program.most_keys and source.files <= program.most_files
     ]
 

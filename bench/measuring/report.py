@@ -50,12 +50,23 @@ def number(value, decimals=2):
 
 def startup_table(costs, calls, instructions):
     return table(
-        ["program", f"time ({CAREFUL} = 1)", f"processor time ({CAREFUL} = 1)",
-         "thousand instructions", "system calls", "peak MiB"],
         [
-            [name, number(ratio(costs, name, CAREFUL)),
-             number(ratio(costs, name, CAREFUL, "processor_seconds")),
-             number(instructions[name] / 1000, 0), str(calls[name]), number(run.peak_mib, 1)]
+            "program",
+            f"time ({CAREFUL} = 1)",
+            f"processor time ({CAREFUL} = 1)",
+            "thousand instructions",
+            "system calls",
+            "peak MiB",
+        ],
+        [
+            [
+                name,
+                number(ratio(costs, name, CAREFUL)),
+                number(ratio(costs, name, CAREFUL, "processor_seconds")),
+                number(instructions[name] / 1000, 0),
+                str(calls[name]),
+                number(run.peak_mib, 1),
+            ]
             for name, run in costs.items()
         ],
     )
@@ -72,11 +83,16 @@ def parts_table(instructions):
 
 def large_table(costs, calls, keys):
     return table(
-        ["program", f"time ({LIMIT} = 1)", f"time ({KEY_FILE} = 1)", "ns per key", "system calls",
-         "peak MiB"],
+        ["program", f"time ({LIMIT} = 1)", f"time ({KEY_FILE} = 1)", "ns per key", "system calls", "peak MiB"],
         [
-            [name, number(ratio(costs, name, LIMIT)), number(ratio(costs, name, KEY_FILE)),
-             number(run.seconds / keys * 1e9, 0), str(calls[name]), number(run.peak_mib, 1)]
+            [
+                name,
+                number(ratio(costs, name, LIMIT)),
+                number(ratio(costs, name, KEY_FILE)),
+                number(run.seconds / keys * 1e9, 0),
+                str(calls[name]),
+                number(run.peak_mib, 1),
+            ]
             for name, run in costs.items()
         ],
     )
@@ -88,10 +104,13 @@ def sweep_table(sweep):
     return table(
         ["keys", f"{TOOL}, ms", "ns per key", "processor ns per key", *names],
         [
-            [f"{keys:,}", number(costs[TOOL].seconds * 1e3),
-             number(costs[TOOL].seconds / keys * 1e9, 0),
-             number(costs[TOOL].processor_seconds / keys * 1e9, 0),
-             *(number(ratio(costs, name, TOOL)) for name in names)]
+            [
+                f"{keys:,}",
+                number(costs[TOOL].seconds * 1e3),
+                number(costs[TOOL].seconds / keys * 1e9, 0),
+                number(costs[TOOL].processor_seconds / keys * 1e9, 0),
+                *(number(ratio(costs, name, TOOL)) for name in names),
+            ]
             for keys, costs in sweep.items()
         ],
     )
@@ -120,8 +139,7 @@ def targets_table(targets):
     return table(
         ["target", "measured", "at most", "aim", ""],
         [
-            [target.what, number(target.measured), number(target.most), number(target.aim),
-             verdict(target)]
+            [target.what, number(target.measured), number(target.most), number(target.aim), verdict(target)]
             for target in targets
         ],
     )
@@ -132,8 +150,13 @@ def companion_table(costs):
     return table(
         ["command", f"time ({TOOL} = 1)", "ms", "processor ms", "peak MiB"],
         [
-            [name, number(ratio(costs, name, TOOL)), number(run.seconds * 1e3),
-             number(run.processor_seconds * 1e3), number(run.peak_mib, 1)]
+            [
+                name,
+                number(ratio(costs, name, TOOL)),
+                number(run.seconds * 1e3),
+                number(run.processor_seconds * 1e3),
+                number(run.peak_mib, 1),
+            ]
             for name, run in costs.items()
         ],
     )
@@ -143,8 +166,7 @@ def references_table(listing, lookup):
     return table(
         ["request of the same file", "time (one plain value = 1)", "ms", "peak MiB"],
         [
-            [name, number(run.seconds / lookup.seconds), number(run.seconds * 1e3, 0),
-             number(run.peak_mib, 1)]
+            [name, number(run.seconds / lookup.seconds), number(run.seconds * 1e3, 0), number(run.peak_mib, 1)]
             for name, run in (("one plain value", lookup), ("the 10,000 values listed", listing))
         ],
     )

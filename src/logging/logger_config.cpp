@@ -101,9 +101,14 @@ bool isUsable(Target target, const std::ofstream* file) {
     return false;
 }
 
+bool hasDot(std::string_view text) {
+    return text.find('.') != text.npos;
+}
+
 bool identIsValid(std::string_view ident) {
-    static constexpr CharacterSet kPermitted(kNameCharacters.substr(1));  // all but the blank
-    return isMadeOf(ident, kPermitted, ".");
+    static constexpr CharacterSet kPermitted(
+        "-.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz");
+    return consistsOf(ident, kPermitted) && hasDot(ident);
 }
 
 }  // namespace

@@ -120,7 +120,7 @@ ESCAPES = "\x1b]0;title\x07\x1b[31m\u202egnp.\u0085\x7f"
 
 def test_no_byte_of_a_file_or_of_its_name_drives_the_terminal(run):
     name = f"{ESCAPES}\n.conf"
-    files = {name: in_config(f"Hostname{ESCAPES}=1", f"Arch=${{{ESCAPES}}}", f"Arch=\t\u00e9$x"), "a.conf": ESCAPES}
+    files = {name: in_config(f"Hostname{ESCAPES}=1", f"Arch=${{{ESCAPES}}}", "Arch=\t\u00e9$x"), "a.conf": ESCAPES}
     for form in ("text", "gcc", "json"):
         result = run(files, "check", f"--format={form}", "conf.d")
         assert result.returncode == 1
@@ -192,7 +192,14 @@ def test_it_runs_nothing_and_opens_nothing_but_the_files(directory):
         + f"[Logging]\nLogTarget={directory}/log\n"
     )
     trace = directory.parent / "trace"
-    command = ["strace", "-f", "-o", trace, "-e", "trace=execve,open,openat,connect,socket,fork,vfork,clone,clone3,unlink,rename"]
+    command = [
+        "strace",
+        "-f",
+        "-o",
+        trace,
+        "-e",
+        "trace=execve,open,openat,connect,socket,fork,vfork,clone,clone3,unlink,rename",
+    ]
     environment = clean_environment(TARNWICK_LOGGING_TARGET=f"{directory}/target", TARNWICK_LOGGING="x=debug")
     result = subprocess.run([*command, *config_command("check", directory)], env=environment, capture_output=True)
     if not trace.exists() or b"ptrace" in result.stderr:

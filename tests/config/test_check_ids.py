@@ -17,7 +17,12 @@ def references(count):
 # Each row: id, files at fault, all that is found, files that are fine.
 ROWS = [
     ("unexpected-line", " K=1\n", ["a.conf:1:1 error unexpected-line"], "# K=1\n"),
-    ("unexpected-line", in_config("\u201cArch\u201d=1"), ["a.conf:2:1 error unexpected-line"], in_config("Arch=\u201c1\u201d")),
+    (
+        "unexpected-line",
+        in_config("\u201cArch\u201d=1"),
+        ["a.conf:2:1 error unexpected-line"],
+        in_config("Arch=\u201c1\u201d"),
+    ),
     ("group-not-closed", "[Config\n", ["a.conf:1:8 error group-not-closed"], "[Config]\n"),
     ("group-not-closed", "[Config] # x\n", ["a.conf:1:9 error group-not-closed"], "[Config]\n# x\n"),
     ("group-characters", "[Con/fig]\n", ["a.conf:1:5 error group-characters"], "[Config]\n"),
@@ -25,11 +30,31 @@ ROWS = [
     ("key-characters", in_config("Ar/ch=1"), ["a.conf:2:3 error key-characters"], in_config("Arch=/1")),
     ("template-dollar", in_config("Arch=a$ b"), ["a.conf:2:7 error template-dollar"], in_config("Arch=a$$ b")),
     ("template-dollar", in_config("Arch=a;b$"), ["a.conf:2:9 error template-dollar"], in_config("Arch=a;b$$")),
-    ("template-not-closed", in_config("Arch=${HOME"), ["a.conf:2:12 error template-not-closed"], in_config("Arch=${HOME}")),
+    (
+        "template-not-closed",
+        in_config("Arch=${HOME"),
+        ["a.conf:2:12 error template-not-closed"],
+        in_config("Arch=${HOME}"),
+    ),
     ("unknown-variable", in_config("Arch=a${HOM}"), ["a.conf:2:7 error unknown-variable"], in_config("Arch=a${HOME}")),
-    ("unknown-source", in_config("Arch=${confg:A/B}"), ["a.conf:2:6 error unknown-source"], in_config("Arch=${env:A/B}")),
-    ("reference-form", in_config("Arch=${config:A}"), ["a.conf:2:6 error reference-form"], in_config("Hostname=x", "Arch=${config:Config/Hostname/}")),
-    ("envfile-form", in_config("Arch=${envfile:a}"), ["a.conf:2:6 error envfile-form"], in_config("Arch=${envfile:a:b}")),
+    (
+        "unknown-source",
+        in_config("Arch=${confg:A/B}"),
+        ["a.conf:2:6 error unknown-source"],
+        in_config("Arch=${env:A/B}"),
+    ),
+    (
+        "reference-form",
+        in_config("Arch=${config:A}"),
+        ["a.conf:2:6 error reference-form"],
+        in_config("Hostname=x", "Arch=${config:Config/Hostname/}"),
+    ),
+    (
+        "envfile-form",
+        in_config("Arch=${envfile:a}"),
+        ["a.conf:2:6 error envfile-form"],
+        in_config("Arch=${envfile:a:b}"),
+    ),
     (
         "generated-template",
         "[GeneratedConfig]\nHome=${HOME}\n",
@@ -37,33 +62,113 @@ ROWS = [
         "[GeneratedConfig]\nHome=${env:HOME}\nDefaultLxc=${HOME}\n",
     ),
     ("blank-value", in_config("Arch=a; ;b"), ["a.conf:2:8 error blank-value"], in_config("Arch=a;;b", "Arch=")),
-    ("blank-value", in_config("Arch= ${config:Config/Arch} "), ["a.conf:2:6 error blank-value"], in_config("Arch= ${HOME} ")),
-    ("reference-shift", in_config("Hostname=h", "Arch=x ${config:Config/Hostname}"), ["a.conf:3:8 error reference-shift"], in_config("Hostname=h", "Arch=x${config:Config/Hostname} ")),
-    ("reference-shift", in_config("Hostname=h", "Arch= x${config:Config/Hostname}"), ["a.conf:3:8 error reference-shift"], in_config("Hostname=h", "Arch= x${config:Config/Hostname}", "Arch=")),
-    ("reference-shift", in_config("Hostname=h", "Arch=${config:Config/Hostname} x"), ["a.conf:3:6 warning reference-shift"], in_config("Hostname=h", "Arch=y${config:Config/Hostname} x")),
-    ("reference-shift", in_config("Hostname=h", "Arch= x${config:Config/Hostname}y"), ["a.conf:3:8 warning reference-shift"], in_config("Hostname=h", "Arch= x${env:A}y")),
+    (
+        "blank-value",
+        in_config("Arch= ${config:Config/Arch} "),
+        ["a.conf:2:6 error blank-value"],
+        in_config("Arch= ${HOME} "),
+    ),
+    (
+        "reference-shift",
+        in_config("Hostname=h", "Arch=x ${config:Config/Hostname}"),
+        ["a.conf:3:8 error reference-shift"],
+        in_config("Hostname=h", "Arch=x${config:Config/Hostname} "),
+    ),
+    (
+        "reference-shift",
+        in_config("Hostname=h", "Arch= x${config:Config/Hostname}"),
+        ["a.conf:3:8 error reference-shift"],
+        in_config("Hostname=h", "Arch= x${config:Config/Hostname}", "Arch="),
+    ),
+    (
+        "reference-shift",
+        in_config("Hostname=h", "Arch=${config:Config/Hostname} x"),
+        ["a.conf:3:6 warning reference-shift"],
+        in_config("Hostname=h", "Arch=y${config:Config/Hostname} x"),
+    ),
+    (
+        "reference-shift",
+        in_config("Hostname=h", "Arch= x${config:Config/Hostname}y"),
+        ["a.conf:3:8 warning reference-shift"],
+        in_config("Hostname=h", "Arch= x${env:A}y"),
+    ),
     ("reference-circle", RING, ["a.conf:2:11 error reference-circle"], RING + "DataRoot=end\n"),
-    ("reference-circle", in_config("Arch=${config:Config/Arch}"), ["a.conf:2:6 error reference-circle"], in_config("Arch=${config:Config/Arch}x", "Arch=1")),
+    (
+        "reference-circle",
+        in_config("Arch=${config:Config/Arch}"),
+        ["a.conf:2:6 error reference-circle"],
+        in_config("Arch=${config:Config/Arch}x", "Arch=1"),
+    ),
     ("reference-too-many", references(33), ["a.conf:3:10 error reference-too-many"], references(32)),
-    ("reference-undefined", in_config("Arch=${config:Config/Hostname}"), ["a.conf:2:6 warning reference-undefined"], in_config("Arch=${config:GeneratedConfig/Home}")),
-    ("reference-undefined", in_config("Hostname=x", "Hostname=", "Arch=${config:Config/Hostname}"), ["a.conf:4:6 warning reference-undefined"], in_config("Hostname=", "Hostname=x", "Arch=${config:Config/Hostname}")),
+    (
+        "reference-undefined",
+        in_config("Arch=${config:Config/Hostname}"),
+        ["a.conf:2:6 warning reference-undefined"],
+        in_config("Arch=${config:GeneratedConfig/Home}"),
+    ),
+    (
+        "reference-undefined",
+        in_config("Hostname=x", "Hostname=", "Arch=${config:Config/Hostname}"),
+        ["a.conf:4:6 warning reference-undefined"],
+        in_config("Hostname=", "Hostname=x", "Arch=${config:Config/Hostname}"),
+    ),
     ("unknown-group", "[Confg]\nA=1\nB=2\n", ["a.conf:1:2 warning unknown-group"], "[Logging]\ntest.Name=debug\n"),
     ("unknown-group", "Arch=1\nB=2\n", ["a.conf:1:1 warning unknown-group"], "[Config]\nArch=1\n"),
     ("unknown-key", in_config("Hostnmae=1"), ["a.conf:2:1 warning unknown-key"], in_config("Hostname=1")),
     ("key-blank", in_config("Hostname = x"), ["a.conf:2:1 warning key-blank"], in_config("Hostname= x")),
-    ("comment-in-value", in_config("Arch=x # note"), ["a.conf:2:8 warning comment-in-value"], in_config("Arch=x#1", "Arch=${system:a # b}")),
+    (
+        "comment-in-value",
+        in_config("Arch=x # note"),
+        ["a.conf:2:8 warning comment-in-value"],
+        in_config("Arch=x#1", "Arch=${system:a # b}"),
+    ),
     ("quoted-value", in_config('Arch="x;y"'), ["a.conf:2:6 warning quoted-value"], in_config('Arch=a "x" b', 'Arch="')),
     ("carriage-return", in_config("Arch=x\r", "Arch=y\r"), ["a.conf:2:7 warning carriage-return"], in_config("Arch=x")),
-    ("not-utf8", b"[Config]\nArch=a\xff\nArch=\xc3\n", ["a.conf:2:7 warning not-utf8"], in_config("Arch=\u00e9\U0001f600")),
+    (
+        "not-utf8",
+        b"[Config]\nArch=a\xff\nArch=\xc3\n",
+        ["a.conf:2:7 warning not-utf8"],
+        in_config("Arch=\u00e9\U0001f600"),
+    ),
     ("nul-byte", in_config("Arch=a\0"), ["a.conf:2:7 warning nul-byte"], in_config("Arch=a0")),
     ("no-final-newline", "[Config]\nArch=x", ["a.conf:2:7 warning no-final-newline"], "[Config]\nArch=x\n"),
-    ("bad-number", "[GeneratedConfig]\nBaseUid=1x\n", ["a.conf:2:9 warning bad-number"], "[GeneratedConfig]\nBaseUid=0x1F\nUserId=${env:ID}\n"),
-    ("mount-entry", in_config("Mounts=/a b none rw 0 0;/a b"), ["a.conf:2:25 warning mount-entry"], in_config("Mounts=/a b none rw 0 0;${env:MOUNT}")),
-    ("logging-level", "[Logging]\ntest.Name=loud\n", ["a.conf:2:11 warning logging-level"], "[Logging]\ntest.Name=Debug\ntest.Other=4\n"),
-    ("logging-target", "[Logging]\nLogTarget=journal\n", ["a.conf:2:11 warning logging-target"], "[Logging]\nLogTarget=/var/log/x\n"),
-    ("file-order", {"10-a.conf": "", "9-b.conf": ""}, ["9-b.conf:1:1 warning file-order"], {"09-b.conf": "", "10-a.conf": ""}),
-    ("file-not-read", {"a.conf": "", "x.CONF": "", ".y.conf": "", "z.conf.bak": "", "z.ini": ""}, [f"{name}:1:1 warning file-not-read" for name in (".y.conf", "x.CONF", "z.conf.bak", "z.ini")], {"a.conf": "", "a.conf.dpkg-old": "", ".a.conf.swp": "", "README": ""}),
-]  # fmt: skip
+    (
+        "bad-number",
+        "[GeneratedConfig]\nBaseUid=1x\n",
+        ["a.conf:2:9 warning bad-number"],
+        "[GeneratedConfig]\nBaseUid=0x1F\nUserId=${env:ID}\n",
+    ),
+    (
+        "mount-entry",
+        in_config("Mounts=/a b none rw 0 0;/a b"),
+        ["a.conf:2:25 warning mount-entry"],
+        in_config("Mounts=/a b none rw 0 0;${env:MOUNT}"),
+    ),
+    (
+        "logging-level",
+        "[Logging]\ntest.Name=loud\n",
+        ["a.conf:2:11 warning logging-level"],
+        "[Logging]\ntest.Name=Debug\ntest.Other=4\n",
+    ),
+    (
+        "logging-target",
+        "[Logging]\nLogTarget=journal\n",
+        ["a.conf:2:11 warning logging-target"],
+        "[Logging]\nLogTarget=/var/log/x\n",
+    ),
+    (
+        "file-order",
+        {"10-a.conf": "", "9-b.conf": ""},
+        ["9-b.conf:1:1 warning file-order"],
+        {"09-b.conf": "", "10-a.conf": ""},
+    ),
+    (
+        "file-not-read",
+        {"a.conf": "", "x.CONF": "", ".y.conf": "", "z.conf.bak": "", "z.ini": ""},
+        [f"{name}:1:1 warning file-not-read" for name in (".y.conf", "x.CONF", "z.conf.bak", "z.ini")],
+        {"a.conf": "", "a.conf.dpkg-old": "", ".a.conf.swp": "", "README": ""},
+    ),
+]
 
 
 @pytest.mark.parametrize("name,faulty,found,fine", ROWS)
@@ -153,11 +258,15 @@ def test_only_the_last_value_of_a_key_is_referred_to(check):
 
 
 def test_values_of_a_list_are_judged_too(check):
-    assert check(in_config("Hostname=h", "Arch=x ${config:Config/Hostname};last"))[1] == ["a.conf:3:8 error reference-shift"]
+    assert check(in_config("Hostname=h", "Arch=x ${config:Config/Hostname};last"))[1] == [
+        "a.conf:3:8 error reference-shift"
+    ]
 
 
 def test_a_word_of_unknown_length_behind_a_reference_may_keep_it_inside(check):
-    assert check(in_config("Hostname=h", "Arch=  ${config:Config/Hostname}${HOME}"))[1] == ["a.conf:3:8 warning reference-shift"]
+    assert check(in_config("Hostname=h", "Arch=  ${config:Config/Hostname}${HOME}"))[1] == [
+        "a.conf:3:8 warning reference-shift"
+    ]
 
 
 def test_a_missing_key_costs_no_visit(check):
@@ -191,7 +300,7 @@ def test_references_to_other_files_are_judged_only_over_whole_directories(run):
 )
 def test_a_hint_names_the_cause(text, hint, run):
     result = run(text, "check", "conf.d")
-    assert f"      = hint: " in result.stdout.decode() and hint in result.stdout.decode()
+    assert "      = hint: " in result.stdout.decode() and hint in result.stdout.decode()
     assert b"hint" not in run(text, "check", "--format=gcc", "conf.d").stdout
 
 

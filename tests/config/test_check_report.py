@@ -15,7 +15,7 @@ def test_the_text_form_shows_place_line_and_count(run):
         "conf.d/20-broken.conf:2:12: error: expected '=' after the key [key-without-value]",
         "    2 | IPV4Address 10.8.0.2/24",
         "      |            ^",
-        "conf.d/20-broken.conf:3:1: warning: no reader knows the key 'Hostnmae'; did you mean 'Hostname'? [unknown-key]",
+        "conf.d/20-broken.conf:3:1: warning: no reader knows the key 'Hostnmae'; did you mean 'Hostname'? [unknown-key]",  # noqa: E501
         "    3 | Hostnmae=tablet",
         "      | ^~~~~~~~",
         "1 error, 1 warning in 2 files",

@@ -1,8 +1,14 @@
 """The command line that all commands share."""
 
+import pathlib
+import re
+
 import pytest
 from config_helpers import in_config
 from support.tool import run_config
+
+CMAKE = (pathlib.Path(__file__).parents[2] / "CMakeLists.txt").read_bytes()
+VERSION = re.search(rb"^project\(.* VERSION (\S+)", CMAKE, flags=re.MULTILINE).group(1)
 
 
 def refusal(*arguments):
@@ -29,7 +35,10 @@ def refusal(*arguments):
         (["check", "--color=blue"], "--color: 'blue' is not auto, always or never"),
         (["check", "--format=xml"], "--format: 'xml' is not text, json or gcc"),
         (["files", "--format=gcc"], "--format: 'gcc' is not text or json"),
-        (["check", "--ignore=nul-byte,bad-nubmer"], "--ignore: there is no id 'bad-nubmer'; did you mean 'bad-number'?"),
+        (
+            ["check", "--ignore=nul-byte,bad-nubmer"],
+            "--ignore: there is no id 'bad-nubmer'; did you mean 'bad-number'?",
+        ),
     ],
 )
 def test_wrong_use_is_status_64_with_a_message_and_a_hint(arguments, message):
@@ -47,7 +56,7 @@ def test_help_is_everywhere(arguments):
 @pytest.mark.parametrize("arguments", [["--version"], ["check", "--version"]])
 def test_the_version_is_everywhere(arguments):
     result = run_config(*arguments)
-    assert (result.returncode, result.stdout, result.stderr) == (0, b"tarnwick-config 0.1.0\n", b"")
+    assert (result.returncode, result.stdout, result.stderr) == (0, b"tarnwick-config %s\n" % VERSION, b"")
 
 
 def test_context_stands_before_or_after_the_command(run):

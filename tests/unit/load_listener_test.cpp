@@ -152,6 +152,91 @@ TEST_F(LoadListening, HearsOfABlankValueBeforeItsException) {
     EXPECT_EQ(told.back(), "1:5-5 fault " + number(Problem::ValueBlank));
 }
 
+TEST_F(LoadListening, HearsOfABlankNameInAnEnvironmentFileWithItsPath) {
+    const std::string variables = directory_.write("variables", " =x\n");
+    path_ = directory_.write("a.conf", "K=${envfile:" + variables + ":V}\n");
+    std::string blankFile;
+    try {
+        (void)parser_.loadFile(path_, [&](const LoadEvent& event) {
+            blankFile = event.fault != nullptr ? event.fault->path : "";
+        });
+        FAIL() << "nothing was thrown";
+    } catch (const std::length_error& error) {
+        EXPECT_EQ(error.what(), path_ + ":1: key 'K' of group '': environment file '" + variables +
+                                    "': a text of white space alone cannot be trimmed");
+    }
+    EXPECT_EQ(blankFile, variables);
+}
+
+TEST_F(LoadListening, HearsWhatAFaultIsAbout) {
+    path_ = directory_.write("a.conf", "[G]\nK=a; ;b\n");
+    std::string about;
+    EXPECT_THROW((void)parser_.loadFile(path_,
+                                        [&](const LoadEvent& event) {
+                                            about.assign(event.group).append("|");
+                                            about.append(event.key).append("|");
+                                            about.append(event.entry).append("|");
+                                            about.append(event.piece);
+                                            if (event.fault != nullptr) {
+                                                about.append("|").append(event.fault->text);
+                                            }
+                                        }),
+                 std::length_error);
+    EXPECT_EQ(about, "G|K|a; ;b| | ");
+}
+
+TEST_F(LoadListening, HearsALastLineWithoutALineFeedOnce) {
+    EXPECT_EQ(toldOf("K=a\nK=b"), (Told{"file", "1:3-3 /K stored <a>", "2:3-3 /K stored <b>"}));
+    EXPECT_TRUE(isLoaded_);
+}
+
+TEST_F(LoadListening, HearsTheTemplatesOfEachPieceAlone) {
+    parser_.setVariable("A", "1");
+    path_ = directory_.write("a.conf", "K=${A};${A}${A};x\n");
+    std::vector<std::size_t> templates;
+    (void)parser_.loadFile(
+        path_, [&](const LoadEvent& event) { templates.push_back(event.templates.size()); });
+    EXPECT_EQ(templates, (std::vector<std::size_t>{0, 1, 2, 0}));
+}
+
+TEST_F(LoadListening, HearsOfABlankTextThatIsExpandedAlone) {
+    Told told;
+    ConfigValue value;
+    EXPECT_THROW((void)parser_.parseTemplates(
+                     "  ", value, [&](const LoadEvent& event) { told.push_back(shown(event)); }),
+                 std::length_error);
+    EXPECT_EQ(told, Told{"0:1-2 fault " + number(Problem::ValueBlank)});
+}
+
+TEST_F(LoadListening, HearsATextThatIsAViewOfTheValueItBecomes) {
+    parser_.setVariable("HOME", std::string(100, 'x'));
+    ConfigValue value;
+    value.text = "a longer text with ${HOME} in it";
+    const std::string written = value.text;
+    std::string piece;
+    EXPECT_TRUE(parser_.parseTemplates(value.text, value,
+                                       [&](const LoadEvent& event) { piece = event.piece; }));
+    EXPECT_EQ(piece, written);
+}
+
+TEST_F(LoadListening, DoesNotTakeTheListenersExceptionForABlankValue) {
+    path_ = directory_.write("a.conf", "K=a\n");
+    const ConfigParser other(-1);
+    Told told;
+    const LoadListener listener = [&](const LoadEvent& event) {
+        told.push_back(shown(event));
+        ConfigValue value;
+        (void)other.parseTemplates("  ", value);
+    };
+    try {
+        (void)parser_.loadFile(path_, listener);
+        FAIL() << "nothing was thrown";
+    } catch (const std::length_error& error) {
+        EXPECT_STREQ(error.what(), "a text of white space alone cannot be trimmed");
+    }
+    EXPECT_EQ(told, Told{"file"});
+}
+
 TEST_F(LoadListening, HearsWhatEachTemplateCameTo) {
     parser_.setVariable("HOME", "/x");
     path_ = directory_.write("a.conf", "K=a;${HOME}${config:G/L}\n");

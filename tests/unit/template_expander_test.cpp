@@ -16,6 +16,17 @@ std::optional<std::string> echo(const TemplateToken& from, std::int32_t userId) 
 }
 constexpr SourceReaders kEchoes{echo, echo, echo, echo, echo, echo};
 
+// Each source tells its own name.
+template <char letter>
+std::optional<std::string> named(const TemplateToken&, std::int32_t) {
+    return std::string(1, letter);
+}
+constexpr SourceReaders kNames{named<'e'>, named<'f'>, named<'r'>,
+                               named<'d'>, named<'p'>, named<'s'>};
+std::optional<std::string> nothing(const TemplateToken&, std::int32_t) {
+    return std::nullopt;
+}
+
 class TemplateExpansion : public testing::Test {
 protected:
     [[nodiscard]] bool expand(std::string_view text) {
@@ -71,6 +82,29 @@ TEST_F(TemplateExpansion, TellsWhichSourceHadNoText) {
         EXPECT_EQ(problems_, std::vector<Problem>{problem}) << text;
         EXPECT_EQ(argument_, "none");
     }
+}
+
+TEST_F(TemplateExpansion, TellsFileAndVariableOfAnEnvironmentFileWithoutText) {
+    std::string path;
+    std::string argument;
+    const TemplateExpander expander(
+        {variables_, 7, {nothing, nothing, nothing, nothing, nothing, nothing}},
+        [&](const Diagnostic& found) {
+            EXPECT_EQ(found.problem, Problem::EnvironmentFileMissing);
+            path = found.path;
+            argument = found.argument;
+        });
+    EXPECT_FALSE(expander.expand("${envfile:/p:V}", value_));
+    EXPECT_EQ(path + " " + argument, "/p V");
+    EXPECT_FALSE(expander.expand("${envfile::V}", value_));
+    EXPECT_EQ(path + " " + argument, " V");
+}
+
+TEST_F(TemplateExpansion, AsksTheReaderOfEachSource) {
+    const TemplateExpander expander({variables_, 7, kNames}, [](const Diagnostic&) {});
+    EXPECT_TRUE(
+        expander.expand("${env:}${envfile::}${realpath:}${dconf:}${prop:}${system:}", value_));
+    EXPECT_EQ(value_.text, "efrdps");
 }
 
 TEST_F(TemplateExpansion, TellsWhereAFaultStandsInTheText) {

@@ -35,6 +35,15 @@ TEST(Trim, ThrowsForWhiteSpaceAlone) {
     EXPECT_THROW((void)trim(" \t\r\n"), std::length_error);
 }
 
+TEST(Trim, SaysWhatIsWrongWithWhiteSpaceAlone) {
+    try {
+        (void)trim(" \n");
+        FAIL() << "nothing was thrown";
+    } catch (const std::length_error& error) {
+        EXPECT_STREQ(error.what(), "a text of white space alone cannot be trimmed");
+    }
+}
+
 TEST(Trim, KeepsEveryOtherByte) {
     EXPECT_EQ(trim(std::string_view("\0a\0", 3)), std::string("\0a\0", 3));
     EXPECT_EQ(trim("\xA0 \xFF"), "\xA0 \xFF");

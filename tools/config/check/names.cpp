@@ -90,8 +90,8 @@ std::string suggestion(std::string_view name, const std::vector<std::string_view
 
 KnownNames::KnownNames() {
     for (const VocabularyGroup& group : vocabularyGroups()) {
-        for (const std::string* key : group.keys) {
-            groups_[*group.name].keys.insert(*key);
+        for (const VocabularyKey& key : group.keys) {
+            groups_[*group.name].keys.insert(*key.name);
         }
     }
     groups_[Logging::kLoggingGroup].hasEveryKey = true;
