@@ -98,6 +98,5 @@ def test_vims_syntax_tells_the_parts_of_a_line(environment, tmp_path):
     names = ", ".join(name.format(*place) for place in places)
     commands = ["syntax on", "setfiletype tarnwick", f'call writefile([{names}], "out")']
     assert vim(commands, environment, tmp_path) == [
-        f"tarnwick{part}"
-        for part in "Comment Group Key Equals Value Separator Escape Template Dollar Fault".split()
+        f"tarnwick{part}" for part in "Comment Group Key Equals Value Separator Escape Template Dollar Fault".split()
     ]
