@@ -1,8 +1,8 @@
-# The front door: what a newcomer types. Each goal installs what it is missing, from
-# debian/control, and does nothing about it when everything is there.
+# The goals for everyday work. Each goal installs the packages that it needs and that are missing, from
+# debian/control. When all of them are installed, it needs neither root nor the network for that.
 
-.PHONY: help run test test-platform check bench fuzz coverage docs package test-arm64 test-armhf clean
-.PHONY: test-boot boot-shell deps-build deps-test deps-check build-release build-dev
+.PHONY: help run test test-platform check bench fuzz coverage docs package bare test-arm64 test-armhf clean
+.PHONY: test-boot boot-shell deps-build deps-test deps-check deps-package deps-bare build-release build-dev
 
 help:
 	@sed -n 's|^\([a-z0-9 -]*\):[^#]*## |  make \1\t|p' Makefile | expand -t 32
@@ -11,9 +11,9 @@ run: deps-build build-release  ## build, and answer requests over the example co
 	examples/show build/release/tools/tarnwick-parse-config
 
 test: deps-test build-dev  ## build, and run the tests that every change must pass
-	ctest --test-dir build/dev --output-on-failure -j2
+	scripts/run-tests build/dev -j2
 
-test-platform: deps-test build-dev  ## the tests beside real systemd, logind and journald alone
+test-platform: deps-test build-dev  ## only the tests with real systemd, logind and journald
 	ctest --test-dir build/dev -V -R '^platform-services$$'
 
 check: deps-check  ## the longer checks: sanitizers, fuzzing, lint, ARM, install
@@ -31,8 +31,11 @@ coverage: deps-check  ## print the table of line and branch coverage
 docs: deps-check  ## the library's reference in build/docs
 	scripts/build-docs
 
-package: deps-check  ## the Debian packages in build/packages
+package: deps-package  ## the Debian packages in build/packages
 	scripts/build-packages
+
+bare: deps-bare  ## make GOAL (test) of the last commit on a minimal Debian; needs root
+	scripts/try-bare-machine make $(or $(GOAL),test)
 
 test-arm64 test-armhf: test-%:  ## build for ARM, and run the tests under emulation
 	scripts/test-arm $*
@@ -47,7 +50,7 @@ boot-shell:  ## look around in that machine by hand
 clean:  ## remove everything that was built
 	rm -rf build
 
-deps-build deps-test deps-check: deps-%:
+deps-build deps-test deps-check deps-package deps-bare: deps-%:
 	@scripts/install-build-deps $*
 
 build-release: deps-build

@@ -1,20 +1,21 @@
 """Types into real shells and looks at what their completion makes of the line.
 
-TARNWICK_COMPLETIONS is the directory with the built completions and vocabulary.txt.
+TARNWICK_COMPLETIONS is the directory with the built completions.
 """
 
+import ast
+import functools
 import os
 import pathlib
-import pty
 import re
-import select
 import shutil
 import subprocess
-import time
 
+import pexpect
 import pytest
 from support.tool import run_tool
 
+ROOT = pathlib.Path(__file__).parent.parent
 BUILT = pathlib.Path(os.environ.get("TARNWICK_COMPLETIONS", ".")).resolve()
 TIME_LIMIT_SECONDS = 60
 
@@ -34,47 +35,16 @@ zstyle ':completion:insert-matches:*' old-matches no
 bindkey -e
 bindkey '^Xa' insert-matches
 """
-# Writes its words to a file, which appears only when it is complete.
+# The line that is typed shows none of the marks around the words.
 SHOW_WORDS = r"""
-show_words() {
-    local file=$1
-    shift
-    printf '%s\n' "$@" > $file.new
-    mv $file.new $file
-}
+show_words() { printf '%s\n' "words{" "$@" "}words"; }
 """
+WORDS = r"words\{\r\n(.*?)\}words"
 SHELLS = {
-    "bash": (["bash", "--norc", "--noprofile", "-i"], BASH_SETUP),
-    "zsh": (["zsh", "-f", "-i"], ZSH_SETUP),
+    "bash": ("bash --norc --noprofile -i", BASH_SETUP),
+    "zsh": ("zsh -f -i", ZSH_SETUP),
 }
-ALL_MATCHES, LINE_START, ENTER = "\x18a", "\x01", "\r"
-
-
-def start_shell(command, directory):
-    """Starts an interactive shell; returns the process and our end of its terminal."""
-    ours, theirs = pty.openpty()
-    process = subprocess.Popen(
-        command,
-        cwd=directory,
-        env={**os.environ, "TERM": "dumb", "HOME": str(directory), "HISTFILE": ""},
-        stdin=theirs,
-        stdout=theirs,
-        stderr=theirs,
-        start_new_session=True,
-    )
-    os.close(theirs)
-    return process, ours
-
-
-def wait_for(path, terminal):
-    """The lines of a file that the shell writes; meanwhile its screen output is thrown away."""
-    end = time.monotonic() + TIME_LIMIT_SECONDS
-    screen = b""
-    while not path.exists():
-        assert time.monotonic() < end, f"no answer; on the screen: {screen!r}"
-        if select.select([terminal], [], [], 0.02)[0]:
-            screen += os.read(terminal, 65536)
-    return path.read_text().splitlines()
+ALL_MATCHES, LINE_START = "\x18a", "\x01"
 
 
 @pytest.fixture(scope="module", params=SHELLS)
@@ -89,20 +59,20 @@ def shell(request, tmp_path_factory):
     (directory / "work" / "vendor-file").touch()
     setup_file = directory / "setup"
     setup_file.write_text(SHOW_WORDS + setup.format(built=BUILT))
-    process, terminal = start_shell(command, directory / "work")
-    answers = (directory / f"answer-{number}" for number in range(1000))
+    environment = {**os.environ, "TERM": "dumb", "HOME": str(directory), "HISTFILE": ""}
+    terminal = pexpect.spawn(
+        command, cwd=directory / "work", env=environment, encoding="utf-8", timeout=TIME_LIMIT_SECONDS
+    )
+    terminal.delaybeforesend = None  # nothing here waits for a prompt
 
     def words_after_completing(line):
-        answer = next(answers)
-        typed = line + ALL_MATCHES + LINE_START + f"show_words {answer} " + ENTER
-        os.write(terminal, typed.encode())
-        return wait_for(answer, terminal)
+        terminal.sendline(line + ALL_MATCHES + LINE_START + "show_words ")
+        terminal.expect(WORDS)
+        return terminal.match[1].splitlines()
 
-    os.write(terminal, f". {setup_file}{ENTER}".encode())
+    terminal.sendline(f". {setup_file}")
     yield words_after_completing
-    process.kill()
-    process.wait()
-    os.close(terminal)
+    terminal.close(force=True)
 
 
 @pytest.fixture
@@ -117,13 +87,21 @@ def offers(shell):
     return offers_for
 
 
+# Has the compiler expand the rows of the vocabulary as the library does.
+LISTING = """
+#include "vocabulary_names.h"
+#define KEY(name, type) #name,
+#define GROUP(name, KEYS) #name: [KEYS(KEY)],
+{TARNWICK_GROUPS(GROUP)}
+"""
+
+
+@functools.cache
 def vocabulary():
-    """The keys of each group, as the library defines them."""
-    keys = {}
-    for line in (BUILT / "vocabulary.txt").read_text().splitlines():
-        group, key = line.split()
-        keys.setdefault(group, []).append(key)
-    return keys
+    """The keys of each group, as the compiler reads them."""
+    command = [os.environ.get("TARNWICK_CC") or "cc", "-E", "-P", f"-I{ROOT}/src", "-x", "c", "-"]
+    expanded = subprocess.run(command, input=LISTING, capture_output=True, text=True, check=True)
+    return ast.literal_eval(expanded.stdout.strip())
 
 
 def usage_options():
@@ -147,9 +125,7 @@ def test_log_level_offers_the_levels(offers):
 @pytest.mark.parametrize("level", ["critical", "debug", "error", "info", "warning"])
 def test_the_tool_accepts_each_level_that_is_offered(level, tmp_path):
     (tmp_path / "a.conf").write_text("[Config]\nArch=arm64\n")
-    result = run_tool(
-        "--user-id", "0", "--config", str(tmp_path), "--log-level", level, "--key", "Arch"
-    )
+    result = run_tool("--user-id", "0", "--config", str(tmp_path), "--log-level", level, "--key", "Arch")
     assert result.returncode == 0
 
 
@@ -157,9 +133,7 @@ def test_group_offers_the_groups_of_the_vocabulary(offers):
     assert sorted(offers("tarnwick-parse-config --group ")) == sorted(vocabulary())
 
 
-@pytest.mark.parametrize(
-    "group", ["Audio", "Config", "Devices", "Features", "GeneratedConfig", "Network"]
-)
+@pytest.mark.parametrize("group", ["Audio", "Config", "Devices", "Features", "GeneratedConfig", "Network"])
 def test_key_offers_the_keys_of_the_group_given(offers, group):
     offered = offers(f"tarnwick-parse-config --list --group {group} --user-id 0 --key ")
     assert sorted(offered) == sorted(vocabulary()[group])

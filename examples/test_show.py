@@ -38,9 +38,7 @@ def shown(tmp_path_factory):
 
 def answers(shown, pattern):
     """The (answer, status) pairs of the requests whose command line ends in `pattern`."""
-    found = re.findall(
-        rf"^\$ .*{pattern}\n((?:[^$\[].*\n)*)\[exit status (\d)\]$", shown, flags=re.MULTILINE
-    )
+    found = re.findall(rf"^\$ .*{pattern}\n((?:[^$\[].*\n)*)\[exit status (\d)\]$", shown, flags=re.MULTILINE)
     return [(answer.rstrip("\n"), int(status)) for answer, status in found]
 
 
@@ -61,12 +59,8 @@ def test_mounts_of_all_files_add_up(shown):
 
 
 def test_a_value_draws_on_keys_that_later_files_set(shown):
-    assert answers(shown, "vendor.conf.d --group Network --key NetConfig") == [
-        ("tarn0,10.8.0.2/24,10.8.0.1", 0)
-    ]
-    assert answers(shown, "user.conf.d --group Network --key NetConfig") == [
-        ("tarn0,192.168.7.20/24,192.168.7.1", 0)
-    ]
+    assert answers(shown, "vendor.conf.d --group Network --key NetConfig") == [("tarn0,10.8.0.2/24,10.8.0.1", 0)]
+    assert answers(shown, "user.conf.d --group Network --key NetConfig") == [("tarn0,192.168.7.20/24,192.168.7.1", 0)]
 
 
 def test_an_environment_variable_wins_over_its_fallback(shown):
@@ -90,8 +84,7 @@ def test_the_syntax_error_is_on_the_line_that_its_character_names(shown):
     lines = (ROOT / "examples/broken.conf.d/20-broken.conf").read_text().splitlines()
     assert status == 1
     assert records.splitlines() == [
-        "ERROR: Could not parse line as key in examples/broken.conf.d/20-broken.conf (*): "
-        f"'{lines[ord('*') - 1]}'",
+        "ERROR: Could not parse line as key in examples/broken.conf.d/20-broken.conf (*): " f"'{lines[ord('*') - 1]}'",
         "ERROR: Failed to load config from 'examples/broken.conf.d/20-broken.conf'",
         "ERROR: Invalid configuration in examples/broken.conf.d/20-broken.conf",
     ]

@@ -7,12 +7,16 @@ import shutil
 import subprocess
 
 import pytest
-from support.tool import EMULATOR, run_tool, tool_command
-from text_examples import blocks_of, examples_in, run_example
+from support.tool import EMULATOR, run_config, run_tool, tool_command
+from text_examples import blocks_of, examples_in, idioms_in, run_example, run_idiom
 
 ROOT = pathlib.Path(__file__).parent.parent
 PAGES = sorted((ROOT / "man").glob("*.scd"))
-DOCUMENTS = [ROOT / "README.md", ROOT / "docs" / "file-format.md"]
+DOCUMENTS = [
+    ROOT / "README.md",
+    ROOT / "docs" / "file-format.md",
+    ROOT / "docs" / "reference.md",
+]
 BUILD = os.environ.get("TARNWICK_BUILD", "")
 
 EXAMPLES = [(path, example) for path in [*PAGES, *DOCUMENTS] for example in examples_in(path)]
@@ -23,9 +27,7 @@ def needs_build(example):
     return any(b.kind == "program" or "example-generator" in b.text for b in example.blocks)
 
 
-@pytest.mark.parametrize(
-    "example", [pytest.param(e, id=f"{p.name}: {e.title}") for p, e in EXAMPLES]
-)
+@pytest.mark.parametrize("example", [pytest.param(e, id=f"{p.name}: {e.title}") for p, e in EXAMPLES])
 def test_the_example_shows_what_happens(example, tmp_path):
     if needs_build(example) and (EMULATOR or not BUILD):
         pytest.skip("needs TARNWICK_BUILD, a build tree for this machine")
@@ -39,10 +41,63 @@ def test_the_example_shows_what_happens(example, tmp_path):
         assert seen == written, f"the transcript at line {line}"
 
 
+SHELLS = {
+    "dash -eu": ["dash", "-eu"],
+    "bash -euo pipefail": ["bash", "-euo", "pipefail"],
+    "bash": ["bash"],
+}
+IDIOMS = [
+    pytest.param(idiom, shell, id=f"{path.name}: {idiom.name}, {name}")
+    for path in [*PAGES, *DOCUMENTS]
+    for idiom in idioms_in(path)
+    for name, shell in SHELLS.items()
+    if name.startswith("bash") or idiom.kind != "bash idiom"
+]
+
+
+@pytest.mark.parametrize(("idiom", "shell"), IDIOMS)
+def test_a_piece_of_a_script_goes_on_unless_the_tool_fails(idiom, shell, tmp_path):
+    runs = []
+    for status in (0, 1, 2):
+        directory = tmp_path / str(status)
+        directory.mkdir()
+        runs.append(run_idiom(idiom, shell, status, directory))
+    value, failure, no_value = runs
+
+    assert (value.went_on, value.status) == (True, 0)
+    assert (no_value.went_on, no_value.status) == (True, 0)
+    assert (failure.went_on, failure.status) == (False, 1)
+    assert "usage" not in failure.output
+    if "list" in idiom.name:
+        assert (value.output, no_value.output) == ("mount: one\nmount: two\nwent-on\n", "went-on\n")
+    # The loops ask for two keys, whatever a request does with its standard input.
+    assert value.requests == no_value.requests == (2 if "loop" in idiom.name else 1)
+
+
+def test_no_transcript_takes_the_tool_s_output_without_its_status():
+    """In a transcript nothing shows whether `set -e` or a failure would be noticed."""
+    for path, example in EXAMPLES:
+        for block in example.blocks:
+            assert not re.search(
+                r"=\$\((tarnwick-parse-config|ask)\b", block.text
+            ), f"{path.name}:{block.line}: make it an idiom"
+
+
+def test_the_documents_have_idioms():
+    assert {path.name for path in [*PAGES, *DOCUMENTS] if idioms_in(path)} >= {
+        "README.md",
+        "tarnwick-parse-config.1.scd",
+    }
+
+
 def page_text(name):
     """A page's source without its markup."""
     source = (ROOT / "man" / name).read_text()
-    return re.sub(r"[*_]|\\|\+\+$", "", source, flags=re.MULTILINE)
+    return without_markup(re.sub(r"\+\+$", "", source, flags=re.MULTILINE))
+
+
+def without_markup(text):
+    return re.sub(r"[*_\\]", "", text)
 
 
 def usage_options():
@@ -57,14 +112,29 @@ def test_every_option_of_the_usage_text_is_a_heading_of_the_options_section():
     assert sorted(headings) == sorted(usage_options())
 
 
-# What is no message: the notes for package tools, and the C++ character constant of a quote.
-NO_MESSAGE = re.compile(r"""//[^\n]*|TARNWICK_DLOPEN_NOTE\([^;]*;|'"'""")
+def test_every_kind_of_fault_is_a_heading_with_its_severity_and_meaning():
+    page = (ROOT / "man" / "tarnwick-config.1.scd").read_text()
+    listed = run_config("check", "--list-ids").stdout.decode().splitlines()
+    headings = re.findall(
+        r"^\*([a-z0-9-]+)\* \((error|warning|error, warning)\)\n\t(.*)\.\+\+$", page, flags=re.MULTILINE
+    )
+    documented = [(name, severities.split(",")[0], without_markup(text)) for name, severities, text in headings]
+    assert documented == [tuple(map(without_markup, line.split("\t"))) for line in listed]
+
+
+# What is no message: comments, and the C++ character constant of a quote.
+NO_MESSAGE = re.compile(r"""//[^\n]*|'"'""")
+
+
+# Stands for a field of a diagnostic in the words of its record.
+PLACEHOLDER = re.compile(r"\{[a-z]+\}")
 
 
 def messages_of(source):
     """The literal texts of three words and more in a C++ source file."""
     literals = re.findall(r'"((?:[^"\\\n]|\\.)*)"', NO_MESSAGE.sub("", source))
-    texts = (literal.replace("\\n", "").strip() for literal in literals)
+    pieces = (piece for literal in literals for piece in PLACEHOLDER.split(literal))
+    texts = (piece.replace("\\n", "").strip() for piece in pieces)
     return [text for text in texts if len(text.split()) >= 3 and "%s" not in text]
 
 
@@ -77,7 +147,7 @@ def test_every_message_of_the_sources_is_in_the_manual():
     }
     assert len(texts) > 60, "the sources' messages were not found"
     # Markup is gone from the manual's text, so it must be from the messages as well.
-    missing = {text: file for text, file in texts.items() if text.replace("_", "") not in manual}
+    missing = {text: file for text, file in texts.items() if without_markup(text) not in manual}
     assert not missing
 
 
@@ -105,9 +175,7 @@ def built_pages(directory):
     for page in PAGES:
         target = directory / page.name.removesuffix(".scd")
         target.write_bytes(
-            subprocess.run(
-                ["scdoc"], input=page.read_bytes(), stdout=subprocess.PIPE, check=True
-            ).stdout
+            subprocess.run(["scdoc"], input=page.read_bytes(), stdout=subprocess.PIPE, check=True).stdout
         )
         yield target
 
@@ -150,10 +218,25 @@ def test_the_finder_refuses_a_block_that_nothing_announces(tmp_path):
 def test_the_runner_sees_a_wrong_answer(tmp_path):
     page = tmp_path / "page.md"
     page.write_text(
-        "<!-- example: two commands -->\n<!-- transcript -->\n```\n"
-        "$ echo one; false\none\n$ echo $?\n0\n```\n"
+        "<!-- example: two commands -->\n<!-- transcript -->\n```\n$ echo one; false\none\n$ echo $?\n0\n```\n"
     )
     work = tmp_path / "work"
     work.mkdir()
     [(_, written, seen)] = run_example(examples_in(page)[0], work, ["/bin/true"])
     assert seen == written.replace("0\n", "1\n")
+
+
+@pytest.mark.parametrize("shell", SHELLS.values(), ids=SHELLS)
+@pytest.mark.parametrize(
+    "text",
+    [
+        # Both go on after a failure; the second also under "set -e".
+        "value=$(tarnwick-parse-config --key K) || [ $? -ne 2 ] || value=none",
+        "value=$(tarnwick-parse-config --key K) || { [ $? -eq 2 ] && value=none; }",
+    ],
+)
+def test_the_idiom_s_runner_sees_one_that_loses_the_status(text, shell, tmp_path):
+    page = tmp_path / "page.md"
+    page.write_text(f"<!-- idiom: wrong -->\n```\n{text}\n```\n")
+    [idiom] = idioms_in(page)
+    assert run_idiom(idiom, shell, 1, tmp_path).went_on

@@ -8,6 +8,8 @@ Every literal block is announced by a comment before it, "; WORD REST" in a manu
     program NAME      the block is a C++ program, compiled with the library
     transcript        the block is what a terminal shows: "$ " before a command, "> " before its
                       further lines, and after it the output, both streams in one
+    idiom TITLE       the block is a piece of a script, to be copied: see `run_idiom`
+    bash idiom TITLE  the same, for bash alone
     shown             the block is for reading only
 """
 
@@ -18,10 +20,12 @@ import shlex
 import stat
 import subprocess
 
+from support.tool import CONFIG_TOOL, config_command
+
 FENCE = "```"
-DIRECTIVE = re.compile(
-    r"(?:; |<!-- )(example|file|program|transcript|shown)\b:?(?: (.*?))?(?: -->)?$"
-)
+DIRECTIVE = re.compile(r"(?:; |<!-- )(example|file|program|transcript|(?:bash )?idiom|shown)\b:?(?: (.*?))?(?: -->)?$")
+IDIOMS = {"idiom", "bash idiom"}
+NOT_IN_EXAMPLES = {"shown", *IDIOMS}
 TIME_LIMIT_SECONDS = 120
 
 
@@ -75,11 +79,57 @@ def examples_in(path):
     for block in blocks_of(path):
         if block.kind == "example":
             examples.append(Example(block.name, []))
-        elif block.kind != "shown":
+        elif block.kind not in NOT_IN_EXAMPLES:
             if not examples:
                 raise ValueError(f"{path.name}:{block.line}: a block before the first example")
             examples[-1].blocks.append(block)
     return examples
+
+
+def idioms_in(path):
+    """The blocks of a document that are pieces of scripts."""
+    return [block for block in blocks_of(path) if block.kind in IDIOMS]
+
+
+# Prints what the real tool prints: values, the usage text, nothing. Like a command of a template it
+# takes whatever its standard input has for it.
+PRETENDED_TOOL = """#!/bin/sh
+cat > /dev/null
+echo asked >> "$ASKED"
+case $STATUS in 0) echo 'one;two' ;; 1) echo usage ;; esac
+exit "$STATUS"
+"""
+
+
+@dataclasses.dataclass
+class IdiomRun:
+    went_on: bool
+    status: int
+    output: str
+    requests: int
+
+
+def run_idiom(idiom, shell, tool_status, directory):
+    """Runs a piece of a script with a pretended tool that always ends with `tool_status`."""
+    write_script(directory / "bin" / "tarnwick-parse-config", PRETENDED_TOOL)
+    asked = directory / "asked"
+    asked.touch()
+    result = subprocess.run(
+        [*shell, "-c", f"{idiom.text}\necho went-on"],
+        cwd=directory,
+        env={
+            "PATH": f"{directory}/bin:{os.environ['PATH']}",
+            "STATUS": str(tool_status),
+            "ASKED": str(asked),
+        },
+        input=b"",
+        stdout=subprocess.PIPE,
+        timeout=TIME_LIMIT_SECONDS,
+        check=False,
+    )
+    output = result.stdout.decode()
+    requests = len(asked.read_text().splitlines())
+    return IdiomRun(output.endswith("went-on\n"), result.returncode, output, requests)
 
 
 def steps_of(transcript):
@@ -154,11 +204,12 @@ def write_script(path, text):
 
 def environment_for(directory, tool_command, build):
     """The programs are found by their names, and this product's variables are not set."""
-    write_script(
-        directory / "bin" / "tarnwick-parse-config",
+    commands = {"tarnwick-parse-config": tool_command}
+    if CONFIG_TOOL:
+        commands["tarnwick-config"] = config_command()
+    for name, command in commands.items():
         # exec -a keeps the name that the usage text shows.
-        "#!/bin/bash\n" + wrapper_line(tool_command) + "\n",
-    )
+        write_script(directory / "bin" / name, f"#!/bin/bash\n{wrapper_line(name, command)}\n")
     kept = {name: text for name, text in os.environ.items() if not name.startswith("TARNWICK_")}
     return {
         **kept,
@@ -168,12 +219,12 @@ def environment_for(directory, tool_command, build):
     }
 
 
-def wrapper_line(tool_command):
-    *emulator, tool = tool_command
+def wrapper_line(name, command):
+    *emulator, tool = command
     if not emulator:
-        return f'exec -a tarnwick-parse-config {shlex.quote(tool)} "$@"'
-    name = ["-0", "tarnwick-parse-config"]  # the emulator's own way to give it
-    return f'exec {shlex.join([*emulator, *name, tool])} "$@"'
+        return f'exec -a {name} {shlex.quote(tool)} "$@"'
+    # "-0" is the emulator's own way to give the name.
+    return f'exec {shlex.join([*emulator, "-0", name, tool])} "$@"'
 
 
 def run_example(example, directory, tool_command, build=None):

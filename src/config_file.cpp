@@ -2,11 +2,13 @@
 
 #include <algorithm>
 
-#include "logging/log_record.h"
+#include "name_characters.h"
 #include "support/character_set.h"
 
 namespace Tarnwick::Parser {
 namespace {
+
+using Kind = ConfigLine::Kind;
 
 constexpr CharacterSet kNames(kNameCharacters);
 
@@ -14,13 +16,68 @@ bool isNameCharacter(char character) {
     return kNames.has(character);
 }
 
-bool isKeyLine(std::string_view line) {
-    return isNameCharacter(line.front()) && line.front() != ' ';
+bool isMark(char character) {
+    return isNameCharacter(character) && character != ' ';
+}
+
+// The number of leading characters of `text` for which `belongs` is true.
+template <typename Predicate>
+std::size_t lengthOf(std::string_view text, Predicate belongs) {
+    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), belongs) -
+                                    text.begin());
+}
+
+ConfigLine fault(Problem problem, std::string_view bytes) {
+    return {.kind = Kind::Fault, .problem = problem, .name = bytes};
+}
+
+ConfigLine parseGroup(std::string_view line) {
+    if (line.back() != ']') {
+        // What stands behind the last ']' is too much; without one, the end of the line lacks it.
+        const std::size_t bracket = std::min(line.rfind(']'), line.size() - 1);
+        return fault(Problem::GroupNotClosed, line.substr(bracket + 1));
+    }
+    const std::string_view name = line.substr(1, line.size() - 2);
+    const std::size_t length = lengthOf(name, isNameCharacter);
+    if (length < name.size()) {
+        return fault(Problem::GroupCharacters, name.substr(length, 1));
+    }
+    return {.kind = Kind::Group, .name = name};
+}
+
+ConfigLine parseKey(std::string_view line) {
+    const std::size_t length = lengthOf(line, isNameCharacter);
+    if (length < line.size() && line[length] == '=') {
+        return {
+            .kind = Kind::Entry, .name = line.substr(0, length), .value = line.substr(length + 1)};
+    }
+    if (line.find('=') != line.npos) {
+        return fault(Problem::KeyCharacters, line.substr(length, 1));
+    }
+    return fault(Problem::KeyWithoutValue, line.substr(lengthOf(line, isMark), 0));
 }
 
 }  // namespace
 
-ConfigFileIterator::ConfigFileIterator(ConfigFile& file) : reader_(file.path), file_(&file) {
+ConfigLine parseConfigLine(std::string_view line) {
+    if (line.empty()) {
+        return {};
+    }
+    const char first = line.front();
+    if (first == '#' || first == ';') {
+        return {.kind = Kind::Comment};
+    }
+    if (first == '[') {
+        return parseGroup(line);
+    }
+    if (isMark(first)) {
+        return parseKey(line);
+    }
+    return fault(Problem::UnexpectedLine, line.substr(0, 1));
+}
+
+ConfigFileIterator::ConfigFileIterator(ConfigFile& file, DiagnosticSink sink)
+    : reader_(file.path), file_(&file), sink_(std::move(sink)) {
     readToNextEntry();
 }
 
@@ -41,99 +98,81 @@ void ConfigFileIterator::readToNextEntry() {
     while (!hasEntry_) {
         const std::int64_t lineStart = reader_.offset();
         std::string_view line;
-        if (!reader_.takeHeld(line) && !readOn(line)) {
+        if (!nextLine(line)) {
             return;
         }
         position_ = lineStart;
         ++lineNumber_;
-        readLine(line);
+        takeLine(line);
     }
 }
 
+// Returns whether there was a line.
+bool ConfigFileIterator::nextLine(std::string_view& line) {
+    return reader_.takeBufferedLine(line) || (state_ != State::Unterminated && readLine(line));
+}
+
 // Reads a line that the buffer does not hold whole. Returns whether there was one.
-bool ConfigFileIterator::readOn(std::string_view& line) {
-    if (isExhausted_) {
-        return false;
-    }
-    keepEntry();
-    const LineReader::Outcome outcome =
-        isUnreadable_ ? LineReader::Outcome::Failure : reader_.readOn(line);
-    switch (outcome) {
+bool ConfigFileIterator::readLine(std::string_view& line) {
+    saveEntry();
+    switch (state_ == State::Failed ? LineReader::Outcome::Failure : reader_.readLine(line)) {
         case LineReader::Outcome::Line:
             return true;
         case LineReader::Outcome::UnterminatedLine:
-            isExhausted_ = true;
+            state_ = State::Unterminated;
             return true;
         case LineReader::Outcome::EndOfFile:
             position_ = reader_.offset();
             return false;
         case LineReader::Outcome::Failure:
-            isUnreadable_ = true;
-            file_->failed = true;
+            fail();
             return false;
     }
     return false;
 }
 
 // The accessors go on showing the last entry when no other follows.
-void ConfigFileIterator::keepEntry() {
-    if (isKept_) {
-        return;
-    }
-    kept_.assign(key_).append(value_);
-    key_ = std::string_view(kept_).substr(0, key_.size());
-    value_ = std::string_view(kept_).substr(key_.size());
-    isKept_ = true;
-}
-
-void ConfigFileIterator::readLine(std::string_view line) {
-    if (line.empty() || line.front() == '#' || line.front() == ';') {
-        return;
-    }
-    if (line.front() == '[') {
-        readGroup(line);
-    } else if (isKeyLine(line)) {
-        readKey(line);
-    } else {
-        reject("Unexpected line in ", line);
+void ConfigFileIterator::saveEntry() {
+    if (!isSaved_) {
+        saved_.assign(key_).append(value_);
+        key_ = std::string_view(saved_).substr(0, key_.size());
+        value_ = std::string_view(saved_).substr(key_.size());
+        isSaved_ = true;
     }
 }
 
-void ConfigFileIterator::readGroup(std::string_view line) {
-    if (line.back() != ']') {
-        reject("Could not parse line as group in ", line);
-        return;
+void ConfigFileIterator::fail() {
+    if (state_ != State::Failed) {
+        state_ = State::Failed;
+        sink_({.problem = Problem::FileUnreadable, .place = {.file = file_->path}});
     }
-    const std::string_view name = line.substr(1, line.size() - 2);
-    if (!isMadeOf(name, kNames)) {
-        reject("Group name contains invalid characters in ", line);
-        return;
-    }
-    group_ = name;
-    groupLine_ = lineNumber_;
-}
-
-void ConfigFileIterator::readKey(std::string_view line) {
-    const auto nameEnd = std::find_if_not(line.begin(), line.end(), isNameCharacter);
-    if (nameEnd == line.end() || *nameEnd != '=') {
-        const bool hasName = line.find('=') != line.npos;
-        reject(hasName ? "Key contains invalid characters in " : "Could not parse line as key in ",
-               line);
-        return;
-    }
-    const auto length = static_cast<std::size_t>(nameEnd - line.begin());
-    key_ = line.substr(0, length);
-    value_ = line.substr(length + 1);
-    isKept_ = false;
-    hasEntry_ = true;
-}
-
-void ConfigFileIterator::reject(const char* problem, std::string_view line) {
-    // The line number is one raw character, see the header.
-    Logging::logError(Logging::parserLogger)
-        << problem << file_->path << " (" << static_cast<unsigned char>(lineNumber_) << "): '"
-        << std::string(line) << "'";
     file_->failed = true;
+}
+
+void ConfigFileIterator::takeLine(std::string_view line) {
+    const ConfigLine parsed = parseConfigLine(line);
+    if (parsed.kind == Kind::Entry) {
+        key_ = parsed.name;
+        value_ = parsed.value;
+        isSaved_ = false;
+        hasEntry_ = true;
+    } else if (parsed.kind == Kind::Group) {
+        group_ = parsed.name;
+    } else if (parsed.kind == Kind::Fault) {
+        reject(parsed, line);
+    }
+}
+
+void ConfigFileIterator::reject(const ConfigLine& fault, std::string_view line) {
+    file_->failed = true;
+    const auto first = static_cast<std::uint32_t>(fault.name.data() - line.data() + 1);
+    const auto length = static_cast<std::uint32_t>(fault.name.size());
+    sink_({.problem = fault.problem,
+           .place = {.file = file_->path,
+                     .line = lineNumber_,
+                     .firstColumn = first,
+                     .lastColumn = first + std::max(length, 1U) - 1},
+           .text = line});
 }
 
 }  // namespace Tarnwick::Parser

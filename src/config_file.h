@@ -5,9 +5,36 @@
 #include <string_view>
 #include <utility>
 
+#include "diagnostic.h"
 #include "support/line_reader.h"
 
 namespace Tarnwick::Parser {
+
+/// What one line of a configuration file is. The views are parts of the line.
+///
+///     file  = { line LF }
+///     line  = "" | ("#" | ";") anything        blank, comment: skipped
+///           | "[" name "]"                     group of the keys that follow
+///           | key "=" value                    one entry; the value is all after the first "="
+///     key   = mark name
+///     name  = { " " | mark }
+///     mark  = "-" | "." | "0".."9" | "A".."Z" | "_" | "a".."z"
+///
+/// The first character alone decides what a line is. Nothing is trimmed, quoted or continued.
+struct ConfigLine {
+    enum class Kind { Blank, Comment, Group, Entry, Fault };
+
+    Kind kind = Kind::Blank;
+    Problem problem = Problem::UnexpectedLine;  ///< Fault: what is wrong
+    /// Group: its name. Entry: its key. Fault: the bytes at fault; empty, but in its place in the
+    /// line, where something is missing.
+    std::string_view name = {};
+    std::string_view value = {};  ///< Entry: all behind the first '='
+};
+
+/// Returns what the line, without its line feed, is. With `LineReader`, which tells how each line
+/// ends, it shows every line of a file, also those that are no entries.
+[[nodiscard]] ConfigLine parseConfigLine(std::string_view line);
 
 /// One configuration file while it is read. The loader owns the record; readers point to it.
 struct ConfigFile {
@@ -19,27 +46,15 @@ struct ConfigFile {
     bool failed = false;
 };
 
-/// Walks the key entries of one configuration file.
+/// Walks the key entries of one configuration file. Keys before the first header have the empty
+/// group.
 ///
-///     file  = { line LF }
-///     line  = "" | ("#" | ";") anything        blank, comment: skipped
-///           | "[" name "]"                     group of the keys that follow
-///           | key "=" value                    one entry; the value is all after the first "="
-///     key   = mark name
-///     name  = { " " | mark }
-///     mark  = "-" | "." | "0".."9" | "A".."Z" | "_" | "a".."z"
-///
-/// The first character alone decides what a line is. Nothing is trimmed, quoted or continued; keys
-/// before the first header have the empty group.
-///
-/// A bad line is logged at the error level, sets the file's `failed` flag, and yields no entry;
-/// reading goes on after it. Each message ends in " (N): 'LINE'" behind the path, N being the one
-/// character whose code is the low 8 bits of the line number: line 65 shows as "A". Readers of
-/// the log depend on it. A file that cannot be opened or read sets the flag without a message.
+/// A bad line is told to the sink, sets the file's `failed` flag, and yields no entry; reading
+/// goes on after it. A file that cannot be opened or read sets the flag as well.
 class ConfigFileIterator {
 public:
     /// Opens the file and stands on its first entry, if it has one.
-    explicit ConfigFileIterator(ConfigFile& file);
+    explicit ConfigFileIterator(ConfigFile& file, DiagnosticSink sink = logDiagnostic);
 
     /// Returns the iterator that stands at the end of the file. It reads no line.
     [[nodiscard]] static ConfigFileIterator end(ConfigFile& file);
@@ -53,11 +68,12 @@ public:
     [[nodiscard]] bool hasEntry() const { return hasEntry_; }
 
     [[nodiscard]] const std::string& group() const { return group_; }
-    /// The line of the header that named the group, counted from 1; 0 before the first header.
-    [[nodiscard]] std::uint32_t groupLine() const { return groupLine_; }
     /// Valid until the next advance.
     [[nodiscard]] std::string_view key() const { return key_; }
     [[nodiscard]] std::string_view value() const { return value_; }
+
+    /// Returns the number of the line read last, counted from 1.
+    [[nodiscard]] std::uint32_t lineNumber() const { return lineNumber_; }
 
     /// Returns whether both point to the same record and stand at the same offset.
     [[nodiscard]] bool operator==(const ConfigFileIterator& other) const {
@@ -68,28 +84,33 @@ private:
     struct AtEnd {};
     ConfigFileIterator(ConfigFile& file, AtEnd);
 
+    enum class State {
+        Open,          // more lines may follow
+        Unterminated,  // the last line had no line feed: none follows
+        Failed,        // the file could not be opened, or reading failed
+    };
+
     void readToNextEntry();
-    [[nodiscard]] bool readOn(std::string_view& line);
-    void keepEntry();
-    void readLine(std::string_view line);
-    void readGroup(std::string_view line);
-    void readKey(std::string_view line);
-    void reject(const char* problem, std::string_view line);
+    [[nodiscard]] bool nextLine(std::string_view& line);
+    [[nodiscard]] bool readLine(std::string_view& line);
+    void saveEntry();
+    void takeLine(std::string_view line);
+    void fail();
+    void reject(const ConfigLine& fault, std::string_view line);
 
     LineReader reader_;
-    ConfigFile* file_;           // not owned
+    ConfigFile* file_;  // not owned
+    DiagnosticSink sink_;
     std::int64_t position_ = 0;  // where the line read last begins, or the end of the file
     std::uint32_t lineNumber_ = 0;
-    bool isExhausted_ = false;   // the last line had no line feed
-    bool isUnreadable_ = false;  // the file could not be opened, or reading failed
+    State state_ = State::Open;
     bool hasEntry_ = false;
     std::string group_;
-    std::uint32_t groupLine_ = 0;
-    // The entry's parts stand in the reader's buffer, and in kept_ once the buffer goes on.
+    // Views of the reader's buffer, and of saved_ once the reader has used the buffer again.
     std::string_view key_;
     std::string_view value_;
-    std::string kept_;
-    bool isKept_ = true;
+    std::string saved_;
+    bool isSaved_ = true;
 };
 
 }  // namespace Tarnwick::Parser

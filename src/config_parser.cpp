@@ -1,106 +1,131 @@
 #include "config_parser.h"
 
-#include <algorithm>
-
+#include "config_loader.h"
 #include "config_parser_data.h"
-#include "logging/log_record.h"
+#include "reference_resolver.h"
+#include "template_expander.h"
+#include "template_text.h"
 
 namespace Tarnwick::Parser {
+namespace {
 
-std::size_t KeyPairHash::operator()(
-    const std::pair<std::string_view, std::string_view>& pair) const {
-    const std::hash<std::string_view> hash;
-    const auto group = static_cast<std::uint32_t>(hash(pair.first));
-    const auto key = static_cast<std::uint32_t>(hash(pair.second));
-    return group ^ (key + 0x9e3779b9U + (group << 6U) + (group >> 2U));
+TemplateContext contextOf(const ConfigParserData& data) {
+    return {data.variables, data.userId};
 }
 
-const ValueList* ConfigParserData::find(const std::string& group, const std::string& key) const {
-    const auto keys = values.find(group);
-    return keys == values.end() ? nullptr : keys->second.find(key);
-}
+}  // namespace
 
-ValueList& ConfigParserData::listOf(const std::string& group, const std::string& key) {
-    if (lastGroup == nullptr || lastGroup->first != group) {
-        lastGroup = &*values.try_emplace(group, &arena).first;
-    }
-    return lastGroup->second.obtain(key);
-}
-
-bool ConfigParserData::registersGroup(const std::string& group) const {
-    return std::any_of(registry.begin(), registry.end(),
-                       [&](const auto& entry) { return entry.first.first == group; });
-}
-
-ConfigParser::ConfigParser(std::int32_t userId) : data_(std::make_unique<ConfigParserData>()) {
-    data_->userId = userId;
-}
+ConfigParser::ConfigParser(std::int32_t userId)
+    : data_(std::make_unique<ConfigParserData>(ConfigParserData{{}, {}, userId})) {}
 
 ConfigParser::~ConfigParser() = default;
 
+// --- Registry and store ---
+
 void ConfigParser::addKey(const std::string& group, const std::string& key, KeyMode mode) {
-    data_->registry.try_emplace({group, key}, mode);
+    data_->store.addKey(group, key, mode);
 }
 
 std::int32_t ConfigParser::keyMode(const std::string& group, const std::string& key) const {
-    const auto entry = data_->registry.find(KeyPairEqual::Pair(group, key));
-    return entry == data_->registry.end() ? -1 : static_cast<std::int32_t>(entry->second);
+    return data_->store.keyMode(group, key);
 }
 
 void ConfigParser::checkKeyAdded(const std::string& group, const std::string& key) const {
-    if (!data_->registry.empty() && !data_->registry.contains(KeyPairEqual::Pair(group, key))) {
-        Logging::logWarning(Logging::parserLogger)
-            << group << "/" << key << " has not been added to the parser";
-    }
+    data_->store.checkKeyAdded(group, key);
 }
 
 bool ConfigParser::hasKey(const std::string& group, const std::string& key) const {
-    checkKeyAdded(group, key);
-    return data_->find(group, key) != nullptr;
+    return data_->store.hasKey(group, key);
 }
 
 bool ConfigParser::hasGroup(const std::string& group) const {
-    return data_->values.contains(group);
+    return data_->store.hasGroup(group);
+}
+
+std::vector<std::string> ConfigParser::groups() const {
+    return data_->store.groups();
+}
+
+std::vector<std::string> ConfigParser::keys(const std::string& group) const {
+    return data_->store.keys(group);
+}
+
+std::vector<ConfigValue>& ConfigParser::valueList(const std::string& group,
+                                                  const std::string& key) {
+    return data_->store.valueList(group, key);
+}
+
+void ConfigParser::appendValue(const std::string& group, const std::string& key,
+                               const ConfigValue& value) {
+    data_->store.appendValue(group, key, ConfigValue(value));
+}
+
+void ConfigParser::appendValue(const std::string& group, const std::string& key,
+                               ConfigValue&& value) {
+    data_->store.appendValue(group, key, std::move(value));
+}
+
+void ConfigParser::replaceValues(const std::string& group, const std::string& key,
+                                 const ConfigValue& value) {
+    data_->store.replaceValues(group, key, value);
+}
+
+void ConfigParser::replaceValues(const std::string& group, const std::string& key,
+                                 ConfigValue&& value) {
+    data_->store.replaceValues(group, key, std::move(value));
+}
+
+void ConfigParser::removeKey(const std::string& group, const std::string& key) {
+    data_->store.removeKey(group, key);
 }
 
 void ConfigParser::setVariable(const std::string& name, const std::string& value) {
     data_->variables.try_emplace(name, value);
 }
 
-ValueList& ConfigParser::valueList(const std::string& group, const std::string& key) {
-    return data_->listOf(group, key);
+// --- Loading ---
+
+LoadResult ConfigParser::loadConfigs(const std::vector<std::string>& dirs,
+                                     const LoadListener& listener) {
+    return ConfigLoader(data_->store, contextOf(*data_), listener).loadConfigs(dirs);
 }
 
-void ConfigParser::appendValue(const std::string& group, const std::string& key,
-                               const ConfigValue& value) {
-    appendValue(group, key, ConfigValue(value));
+bool ConfigParser::loadDirectory(const std::string& dir, const LoadListener& listener) {
+    return ConfigLoader(data_->store, contextOf(*data_), listener).loadDirectory(dir);
 }
 
-void ConfigParser::appendValue(const std::string& group, const std::string& key,
-                               ConfigValue&& value) {
-    if (!value.isEmpty()) {
-        valueList(group, key).push_back(std::move(value));
+bool ConfigParser::loadFile(const std::string& path, const LoadListener& listener) {
+    return ConfigLoader(data_->store, contextOf(*data_), listener).loadFile(path);
+}
+
+// --- Templates ---
+
+bool ConfigParser::parseTemplates(std::string_view valueText, ConfigValue& out,
+                                  const LoadListener& listener) const {
+    return expandText(valueText, contextOf(*data_), listener, out);
+}
+
+TemplateResult ConfigParser::resolveTemplate(const std::string& name, std::string& text,
+                                             std::pair<std::string, std::string>& target) const {
+    const TemplateToken token = classifyTemplate(name);
+    if (token.kind == TemplateToken::Kind::Reference) {
+        text.clear();
+        target = {std::string(token.group), std::string(token.key)};
     }
+    return resolveToken(token, name, contextOf(*data_), text);
 }
 
-void ConfigParser::replaceValues(const std::string& group, const std::string& key,
-                                 const ConfigValue& value) {
-    replaceValues(group, key, ConfigValue(value));
-}
-
-void ConfigParser::replaceValues(const std::string& group, const std::string& key,
-                                 ConfigValue&& value) {
-    ConfigValue onlyValue = std::move(value);  // may be one of those that go
-    ValueList& values = valueList(group, key);
-    values.clear();
-    values.push_back(std::move(onlyValue));
-}
-
-void ConfigParser::removeKey(const std::string& group, const std::string& key) {
-    const auto keys = data_->values.find(group);
-    if (keys != data_->values.end()) {
-        keys->second.erase(key);
+bool ConfigParser::reparseValue(ConfigValue& value) const {
+    const std::string text = value.text;
+    if (!parseTemplates(text, value)) {
+        value.clear();
+        return false;
     }
+    return true;
+}
+
+void ConfigParser::resolveValue(const ConfigValue& value, std::string& out) const {
+    ReferenceResolver(data_->store, logDiagnostic).resolve(value, out);
 }
 
 }  // namespace Tarnwick::Parser

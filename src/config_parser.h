@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -10,35 +9,13 @@
 
 #include "api.h"
 #include "config_value.h"
+#include "load_event.h"
+#include "parser_types.h"
 
 /// Reading, storing and generating configuration.
 namespace Tarnwick::Parser {
 
 struct ConfigParserData;
-
-/// A key's values in the order in which they were stored. The parser's lists share one arena,
-/// which is freed with the parser.
-using ValueList = std::pmr::vector<ConfigValue>;
-
-/// How the values of a registered key accumulate.
-enum class KeyMode : std::int32_t {
-    Replace = 0,  ///< a new value replaces all earlier ones
-    Append = 1,   ///< a new value joins the earlier ones; an empty plain value does not
-};
-
-/// How loading a list of directories ended.
-enum class LoadResult : std::int32_t {
-    Ok = 0,                    ///< at least one directory held a file, and every file loaded
-    NoConfiguration = 1,       ///< no directory held a file
-    InvalidConfiguration = 2,  ///< a file failed to load, and loading stopped there
-};
-
-/// What became of one template.
-enum class TemplateResult : std::int32_t {
-    Resolved = 0,   ///< replaced by a text
-    Failed = 1,     ///< no text; the cause has been logged
-    Reference = 2,  ///< names another key, whose value is inserted at lookup
-};
 
 /// The configuration: the values of all files by group and key, the registry of the keys that the
 /// caller declared, the template variables, and the user on whose behalf templates are expanded.
@@ -89,6 +66,13 @@ public:
     /// `valueList` or a lookup of a list. It keeps the entry when its keys are removed.
     [[nodiscard]] bool hasGroup(const std::string& group) const;
 
+    /// Returns the names of all groups that have an entry, in byte order.
+    [[nodiscard]] std::vector<std::string> groups() const;
+
+    /// Returns the names of the group's keys that have an entry, in byte order; none for an unknown
+    /// group.
+    [[nodiscard]] std::vector<std::string> keys(const std::string& group) const;
+
     // --- Template variables ---
 
     /// Sets the text of the template "${NAME}". The first text of a name stays. Variables must be
@@ -100,7 +84,8 @@ public:
     /// Returns the key's values in the order in which they were stored; the last one is current.
     /// A key without an entry gets an empty one, after which `hasKey` returns true for it. The
     /// reference is valid until the key is removed.
-    [[nodiscard]] ValueList& valueList(const std::string& group, const std::string& key);
+    [[nodiscard]] std::vector<ConfigValue>& valueList(const std::string& group,
+                                                      const std::string& key);
 
     /// @{
     /// Adds a value to the key's list; an empty one is not added.
@@ -119,6 +104,9 @@ public:
     void removeKey(const std::string& group, const std::string& key);
 
     // --- Loading ---
+    //
+    // Each operation tells an optional listener what it does, see load_event.h. A listener must
+    // not touch the parser; what it throws ends the load and passes through unchanged.
 
     /// Loads the "*.conf" files of the directories: directories in order, the files of each by
     /// plain byte order of their paths. A directory's path becomes part of a glob(7) pattern as
@@ -129,13 +117,15 @@ public:
     ///
     /// Throws, as `loadFile` and `loadDirectory` do, `std::length_error` for a value that
     /// expands to white space alone, or whose environment file has a name or the wanted value of
-    /// white space alone; its text names file, group and key.
-    [[nodiscard]] LoadResult loadConfigs(const std::vector<std::string>& dirs);
+    /// white space alone. Its text names the file and the line, in decimal, the key and its
+    /// group, and the environment file where it is one.
+    [[nodiscard]] LoadResult loadConfigs(const std::vector<std::string>& dirs,
+                                         const LoadListener& listener = {});
 
     /// Loads the "*.conf" files of one directory and goes on after a file that fails. Returns
     /// whether every file loaded; false also when there is none, which is logged as "No
     /// configuration to read in DIRECTORY/" at the error level.
-    [[nodiscard]] bool loadDirectory(const std::string& dir);
+    [[nodiscard]] bool loadDirectory(const std::string& dir, const LoadListener& listener = {});
 
     /// Loads one file. Each value is split at ';', every piece's templates are expanded, and the
     /// pieces that are not empty are stored by the key's mode; an empty value removes the key.
@@ -143,7 +133,7 @@ public:
     ///
     /// Returns whether the file was read to its end without a fault; otherwise "Failed to load
     /// config from 'PATH'" has been logged at the error level.
-    [[nodiscard]] bool loadFile(const std::string& path);
+    [[nodiscard]] bool loadFile(const std::string& path, const LoadListener& listener = {});
 
     // --- Typed lookup ---
 
@@ -164,7 +154,8 @@ public:
     ///
     /// References that lead in a circle, or to more than 32 other values, resolve to an empty text
     /// and are logged as "Max depth reached, possibly circular reference." at the error level. A
-    /// reference whose position lies past the end of its text throws `std::out_of_range`.
+    /// reference whose position lies past the end of its text throws `std::out_of_range`, whose
+    /// text names the key of the value at fault, which may be another than the one asked for.
     void getValue(const std::string& group, const std::string& key, std::string& value) const;
     void getValue(const std::string& group, const std::string& key,
                   std::vector<std::string>& values) const;
@@ -202,9 +193,13 @@ public:
     /// "$$" stands for "$". "${NAME}" is a template variable, "${SOURCE:ARGUMENT}" draws on one
     /// of config, env, envfile, realpath, dconf, prop and system. The expanded text is trimmed.
     ///
+    /// The listener is told each fault, and in the end Stored with `out` or Dropped with the cause,
+    /// or, of a blank text, the fault alone. The text is the piece, which stands in no file.
+    ///
     /// Throws `std::length_error` when the expanded text is white space alone, and as
     /// `resolveTemplate` does.
-    [[nodiscard]] bool parseTemplates(std::string_view valueText, ConfigValue& out) const;
+    [[nodiscard]] bool parseTemplates(std::string_view valueText, ConfigValue& out,
+                                      const LoadListener& listener = {}) const;
 
     /// Resolves the template `name`, the text between "${" and "}". `Resolved` sets `text`;
     /// `Reference` empties `text` and sets `target` to (group, key); on `Failed` both are
@@ -221,7 +216,8 @@ public:
     /// Sets `out` to the value's text with every reference replaced by the last value of the key
     /// it names, and so on. A key that does not exist gives an empty text. A value whose
     /// `hasReferences` is neither 0 nor 1 leaves `out` as it was. See "Typed lookup" for
-    /// references that lead in a circle, and for `std::out_of_range`.
+    /// references that lead in a circle, and for `std::out_of_range`; `value` itself has no name
+    /// there.
     void resolveValue(const ConfigValue& value, std::string& out) const;
 
 private:

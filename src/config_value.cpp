@@ -2,7 +2,6 @@
 
 #include <stdexcept>
 
-#include "fill_holes.h"
 #include "logging/log_record.h"
 
 namespace Tarnwick::Parser {
@@ -17,9 +16,9 @@ std::unique_ptr<ReferenceBlock> copyOf(const std::unique_ptr<ReferenceBlock>& bl
     return block ? std::make_unique<ReferenceBlock>(*block) : nullptr;
 }
 
-std::size_t totalSize(const std::vector<std::string_view>& texts) {
+std::size_t totalSize(const std::vector<std::string>& texts) {
     std::size_t size = 0;
-    for (const std::string_view text : texts) {
+    for (const std::string& text : texts) {
         size += text.size();
     }
     return size;
@@ -55,31 +54,27 @@ void ConfigValue::addReference(const std::string& group, const std::string& key,
 }
 
 std::string ConfigValue::applyReferences(const std::vector<std::string>& resolved) const {
-    return fillHoles(*this, {resolved.begin(), resolved.end()});
-}
-
-std::string fillHoles(const ConfigValue& value, const std::vector<std::string_view>& texts) {
-    if (!value.references) {
-        return value.text;
+    if (!references) {
+        return text;
     }
-    const std::vector<std::uint32_t>& positions = value.references->positions;
-    if (positions.size() != texts.size()) {
+    const std::vector<std::uint32_t>& positions = references->positions;
+    if (positions.size() != resolved.size()) {
         // The sizes appear as characters, not as digits; readers of the log depend on it.
         Logging::logWarning(Logging::parserLogger)
             << "ConfigValue references size " << static_cast<unsigned char>(positions.size())
-            << " mismatch with resolve list size " << static_cast<unsigned char>(texts.size());
-        return value.text;
+            << " mismatch with resolve list size " << static_cast<unsigned char>(resolved.size());
+        return text;
     }
     std::string result;
-    result.reserve(value.text.size() + totalSize(texts));
-    result = value.text;
+    result.reserve(text.size() + totalSize(resolved));
+    result = text;
     std::size_t shift = 0;
-    for (std::size_t index = 0; index < texts.size(); ++index) {
+    for (std::size_t index = 0; index < resolved.size(); ++index) {
         if (positions[index] + shift > result.size()) {
             throw std::out_of_range("a reference stands past the end of its trimmed value");
         }
-        result.insert(positions[index] + shift, texts[index]);
-        shift += texts[index].size();
+        result.insert(positions[index] + shift, resolved[index]);
+        shift += resolved[index].size();
     }
     return result;
 }

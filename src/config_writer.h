@@ -1,11 +1,20 @@
 #pragma once
 
+#include <concepts>
 #include <fstream>
 #include <string>
+#include <type_traits>
 
 #include "api.h"
 
 namespace Tarnwick::Parser {
+
+/// A type that is neither a truth value nor a text, but that the language would turn into a bool
+/// without a word: a number, an enumerator, a pointer to anything but characters. Braces refuse
+/// all of these but, with some compilers, enumerators.
+template <typename T>
+concept QuietlyBool = std::convertible_to<T, bool> && !std::convertible_to<T, std::string> &&
+                      (std::is_enum_v<T> || !requires(const T& value) { bool{value}; });
 
 /// Writes a configuration file of comments and key lines.
 ///
@@ -36,6 +45,10 @@ public:
     void writeKeyValue(const std::string& key, const char* value);
     /// As above with "true" or "false".
     void writeKeyValue(const std::string& key, bool value);
+    /// Does not compile: a number, an enumerator or another pointer would be written as "true".
+    /// Convert it to a text or a bool first.
+    template <QuietlyBool T>
+    void writeKeyValue(const std::string& key, const T& value) = delete;
 
     /// Writes a line feed alone.
     void writeEmptyLine();

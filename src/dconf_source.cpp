@@ -16,8 +16,6 @@
 #include "support/dynamic_library.h"
 #include "value_sources.h"
 
-TARNWICK_DLOPEN_NOTE("dconf", "dconf keys in values", "recommended", "libdconf.so.1");
-
 namespace Tarnwick::Parser {
 namespace {
 

@@ -3,7 +3,6 @@
 #include "logging/log_record.h"
 #include "support/line_reader.h"
 #include "support/split_string.h"
-#include "support/trim.h"
 
 namespace Tarnwick::Parser {
 namespace {
@@ -40,8 +39,12 @@ std::optional<std::string> readEnvFile(const std::string& path, const std::strin
     std::string_view line;
     LineReader::Outcome outcome = reader.next(line);
     for (; isLine(outcome); outcome = reader.next(line)) {
-        if (auto assigned = assignedValue(line, name)) {
-            value = std::move(assigned);
+        try {
+            if (auto assigned = assignedValue(line, name)) {
+                value = std::move(assigned);
+            }
+        } catch (const BlankText& error) {
+            throw BlankAssignment(path, error.what());
         }
     }
     if (report && outcome == LineReader::Outcome::Failure) {

@@ -3,7 +3,22 @@
 #include <optional>
 #include <string>
 
+#include "support/trim.h"
+
 namespace Tarnwick::Parser {
+
+/// Thrown for a name or a value of white space alone in an environment file.
+class BlankAssignment : public BlankText {
+public:
+    /// `path` is the file's, `cause` says what is wrong.
+    BlankAssignment(const std::string& path, const std::string& cause)
+        : BlankText("environment file '" + path + "': " + cause), path_(path) {}
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+private:
+    std::string path_;
+};
 
 /// Returns the value of the variable `name` in a file of NAME=value lines, or nothing when no
 /// line assigns it. The last assignment wins; the value may be empty.
@@ -22,8 +37,8 @@ namespace Tarnwick::Parser {
 /// variable specified in environment file 'PATH'", both at the error level. Without it nothing
 /// is logged.
 ///
-/// Throws `std::length_error` for an assignment whose name is white space alone, and for one of
-/// `name` whose value is (see `trim`).
+/// Throws `BlankAssignment` for an assignment whose name is white space
+/// alone, and for one of `name` whose value is (see `trim`).
 [[nodiscard]] std::optional<std::string> readEnvFile(const std::string& path,
                                                      const std::string& name, bool report);
 

@@ -14,8 +14,6 @@
 namespace Tarnwick::Parser::Logging {
 namespace {
 
-constexpr const char* kTargetKey = "LogTarget";
-
 std::optional<std::string> readText(const ConfigParser& config, const std::string& key) {
     config.checkKeyAdded(kLoggingGroup, key);
     if (!config.hasKey(kLoggingGroup, key)) {

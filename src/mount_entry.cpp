@@ -10,9 +10,6 @@
 namespace Tarnwick::Parser {
 namespace {
 
-using Logging::logError;
-using Logging::parserLogger;
-
 enum Field { Source, MountPoint, FileSystemType, Options, Dump, Pass, FieldCount };
 
 constexpr std::array<std::string_view, 2> kPseudoSources{"tmpfs", "none"};
@@ -23,38 +20,42 @@ bool isOneOf(std::string_view text, const std::array<std::string_view, N>& texts
     return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
 
-bool reject(const char* problem, const std::string& entry) {
-    logError(parserLogger) << problem << entry;
-    return false;
-}
-
-bool rejectField(const char* rule, const std::string& value, const std::string& entry) {
-    logError(parserLogger) << rule << " instead of '" << value << "' in mount entry: " << entry;
-    return false;
+std::string broken(const char* rule, const std::string& value) {
+    return std::string(rule) + " instead of '" + value + "'";
 }
 
 }  // namespace
 
-bool isValidMountEntry(const std::string& entry) {
+std::string findMountFault(const std::string& entry) {
     const std::vector<std::string> fields = splitString(entry, ' ', kNoSplitLimit, KeepEmpty);
     if (fields.size() != FieldCount) {
-        return reject("Not enough parts in mount entry: ", entry);  // also for too many
+        return "Not enough parts";  // also for too many; readers of the log depend on it
     }
     if (!fields[Source].starts_with('/') && !isOneOf(fields[Source], kPseudoSources)) {
-        return reject("Mount entry must begin with '/' or be 'tmpfs' or 'none': ", entry);
+        return "Mount entry must begin with '/' or be 'tmpfs' or 'none'";
     }
     if (!isOneOf(fields[FileSystemType], kFileSystemTypes)) {
         // "devpts" is accepted but not offered; readers of the log depend on the text.
-        return rejectField("File system type must be 'none' or 'tmpfs'", fields[FileSystemType],
-                           entry);
+        return broken("File system type must be 'none' or 'tmpfs'", fields[FileSystemType]);
     }
     if (fields[Dump] != "0") {
-        return rejectField("Dump value must be '0'", fields[Dump], entry);
+        return broken("Dump value must be '0'", fields[Dump]);
     }
     if (fields[Pass] != "0") {
-        return rejectField("Backup value must be '0'", fields[Pass], entry);
+        return broken("Backup value must be '0'", fields[Pass]);
     }
-    return true;
+    return {};
+}
+
+bool isValidMountEntry(const std::string& entry) {
+    const std::string fault = findMountFault(entry);
+    if (fault.empty()) {
+        return true;
+    }
+    const bool namesEntry = fault.starts_with("Mount entry");
+    Logging::logError(Logging::parserLogger)
+        << fault << (namesEntry ? ": " : " in mount entry: ") << entry;
+    return false;
 }
 
 }  // namespace Tarnwick::Parser

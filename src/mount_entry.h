@@ -19,4 +19,8 @@ namespace Tarnwick::Parser {
 ///     isValidMountEntry("/a  /b tmpfs rw 0 0")             // false: seven fields
 [[nodiscard]] bool isValidMountEntry(const std::string& entry);
 
+/// Returns the words of the first rule that `entry` breaks, without the entry itself, or an empty
+/// text when it is valid. Logs nothing.
+[[nodiscard]] std::string findMountFault(const std::string& entry);
+
 }  // namespace Tarnwick::Parser

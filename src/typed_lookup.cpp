@@ -2,29 +2,44 @@
 
 #include "config_parser.h"
 #include "config_parser_data.h"
+#include "reference_resolver.h"
 #include "support/assertion.h"
 #include "support/value_conversion.h"
 
 namespace Tarnwick::Parser {
 namespace {
 
-std::string textOf(const ConfigParser& parser, const ConfigValue& value) {
-    if (value.hasReferences == 0) {
-        return value.text;
+/// The values of one key, as they are read.
+struct KeyValues {
+    const ConfigStore& store;
+    const std::string& group;
+    const std::string& key;
+    const std::vector<ConfigValue>& values;
+
+    [[nodiscard]] std::string textOf(const ConfigValue& value) const {
+        if (value.hasReferences == 0) {
+            return value.text;
+        }
+        std::string text;
+        const ReferenceResolver::KeyName owner(group, key);
+        ReferenceResolver(store, logDiagnostic).resolve(value, text, &owner);
+        return text;
     }
-    std::string text;
-    parser.resolveValue(value, text);
-    return text;
+
+    [[nodiscard]] std::string currentText() const {
+        TARNWICK_ASSERT(!values.empty());
+        return textOf(values.back());
+    }
+};
+
+// Adds the entry when the key has none.
+KeyValues valuesOf(ConfigStore& store, const std::string& group, const std::string& key) {
+    return {store, group, key, store.valueList(group, key)};
 }
 
 // A value whose references resolve to nothing does not appear in lists; a plain one always does.
 bool isListed(const ConfigValue& value, const std::string& text) {
     return value.hasReferences == 0 || !text.empty();
-}
-
-const ConfigValue& currentValue(const ValueList& values) {
-    TARNWICK_ASSERT(!values.empty());
-    return values.back();
 }
 
 void setFlag(bool* ok, bool isValid) {
@@ -34,19 +49,18 @@ void setFlag(bool* ok, bool isValid) {
 }
 
 template <typename T>
-T convertedValue(const ConfigParser& parser, const ValueList& values,
-                 const ValueConverter<T>& convert, bool* ok) {
+T convertedValue(const KeyValues& values, const ValueConverter<T>& convert, bool* ok) {
     setFlag(ok, true);
-    return convert(textOf(parser, currentValue(values)), ok);
+    return convert(values.currentText(), ok);
 }
 
 template <typename T>
-void appendConverted(const ConfigParser& parser, const ValueList& list,
-                     const ValueConverter<T>& convert, std::vector<T>& values, bool* ok) {
-    values.reserve(values.size() + list.size());
+void appendConverted(const KeyValues& from, const ValueConverter<T>& convert,
+                     std::vector<T>& values, bool* ok) {
+    values.reserve(values.size() + from.values.size());
     setFlag(ok, true);
-    for (const ConfigValue& value : list) {
-        const std::string text = textOf(parser, value);
+    for (const ConfigValue& value : from.values) {
+        const std::string text = from.textOf(value);
         if (isListed(value, text)) {
             bool isValid = true;
             values.push_back(convert(text, &isValid));
@@ -66,15 +80,15 @@ bool isTrue(const std::string& text, bool*) {
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::string& value) const {
-    value = textOf(*this, currentValue(data_->listOf(group, key)));
+    value = valuesOf(data_->store, group, key).currentText();
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<std::string>& values) const {
-    const ValueList& list = data_->listOf(group, key);
-    values.reserve(values.size() + list.size());
-    for (const ConfigValue& value : list) {
-        std::string text = textOf(*this, value);
+    const KeyValues from = valuesOf(data_->store, group, key);
+    values.reserve(values.size() + from.values.size());
+    for (const ConfigValue& value : from.values) {
+        std::string text = from.textOf(value);
         if (isListed(value, text)) {
             values.push_back(std::move(text));
         }
@@ -82,52 +96,52 @@ void ConfigParser::getValue(const std::string& group, const std::string& key,
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key, bool& value) const {
-    value = convertedValue<bool>(*this, data_->listOf(group, key), isTrue, nullptr);
+    value = convertedValue<bool>(valuesOf(data_->store, group, key), isTrue, nullptr);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key, bool& value,
                             bool* ok) const {
-    value = convertedValue<bool>(*this, data_->listOf(group, key), parseBool, ok);
+    value = convertedValue<bool>(valuesOf(data_->store, group, key), parseBool, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<bool>& values) const {
-    appendConverted<bool>(*this, data_->listOf(group, key), isTrue, values, nullptr);
+    appendConverted<bool>(valuesOf(data_->store, group, key), isTrue, values, nullptr);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<bool>& values, bool* ok) const {
-    appendConverted<bool>(*this, data_->listOf(group, key), parseBool, values, ok);
+    appendConverted<bool>(valuesOf(data_->store, group, key), parseBool, values, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key, int& value,
                             bool* ok) const {
-    value = convertedValue<int>(*this, data_->listOf(group, key), parseInt, ok);
+    value = convertedValue<int>(valuesOf(data_->store, group, key), parseInt, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<int>& values, bool* ok) const {
-    appendConverted<int>(*this, data_->listOf(group, key), parseInt, values, ok);
+    appendConverted<int>(valuesOf(data_->store, group, key), parseInt, values, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key, long long& value,
                             bool* ok) const {
-    value = convertedValue<long long>(*this, data_->listOf(group, key), parseLongLong, ok);
+    value = convertedValue<long long>(valuesOf(data_->store, group, key), parseLongLong, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<long long>& values, bool* ok) const {
-    appendConverted<long long>(*this, data_->listOf(group, key), parseLongLong, values, ok);
+    appendConverted<long long>(valuesOf(data_->store, group, key), parseLongLong, values, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key, double& value,
                             bool* ok) const {
-    value = convertedValue<double>(*this, data_->listOf(group, key), parseDouble, ok);
+    value = convertedValue<double>(valuesOf(data_->store, group, key), parseDouble, ok);
 }
 
 void ConfigParser::getValue(const std::string& group, const std::string& key,
                             std::vector<double>& values, bool* ok) const {
-    appendConverted<double>(*this, data_->listOf(group, key), parseDouble, values, ok);
+    appendConverted<double>(valuesOf(data_->store, group, key), parseDouble, values, ok);
 }
 
 }  // namespace Tarnwick::Parser

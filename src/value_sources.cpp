@@ -12,9 +12,7 @@
 
 #include "logging/log_record.h"
 #include "support/dynamic_library.h"
-
-TARNWICK_DLOPEN_NOTE("properties", "Android properties in values", "suggested",
-                     "libandroid-properties.so.1");
+#include "support/free.h"
 
 namespace Tarnwick::Parser {
 namespace {
@@ -26,10 +24,6 @@ using Logging::parserLogger;
 // Waits for the command also when its output outgrows the memory.
 struct CloseCommand {
     void operator()(FILE* pipe) const { (void)pclose(pipe); }
-};
-
-struct Free {
-    void operator()(char* text) const { std::free(text); }
 };
 
 // --- Android properties ---

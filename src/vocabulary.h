@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "api.h"
 #include "vocabulary_names.h"
@@ -20,26 +22,47 @@ TARNWICK_API extern const std::string kDefaultInstance;
 /// The characters of group and key names, in ascending character-code order, the blank first.
 TARNWICK_API extern const std::string kPermittedNameCharacters;
 
-// Groups: kGroupConfig is "Config", and so on. Keys: kKeyUserId is "UserId", and so on.
-#define TARNWICK_DECLARE_GROUP(name) TARNWICK_API extern const std::string kGroup##name;
-#define TARNWICK_DECLARE_KEY(name) TARNWICK_API extern const std::string kKey##name;
+#define TARNWICK_DECLARE_KEY(name, type) TARNWICK_API extern const std::string kKey##name;
+#define TARNWICK_DECLARE_GROUP(name, KEYS)              \
+    TARNWICK_API extern const std::string kGroup##name; \
+    KEYS(TARNWICK_DECLARE_KEY)
 #define TARNWICK_DECLARE_VALUE(name, text) TARNWICK_API extern const std::string kValue##name;
+
+/// @{
+/// The groups and the keys: `kGroupConfig` is "Config", `kKeyUserId` is "UserId", and so on.
 TARNWICK_GROUPS(TARNWICK_DECLARE_GROUP)
-TARNWICK_AUDIO_KEYS(TARNWICK_DECLARE_KEY)
-TARNWICK_CONFIG_KEYS(TARNWICK_DECLARE_KEY)
-TARNWICK_DEVICES_KEYS(TARNWICK_DECLARE_KEY)
-TARNWICK_FEATURES_KEYS(TARNWICK_DECLARE_KEY)
-TARNWICK_GENERATED_CONFIG_KEYS(TARNWICK_DECLARE_KEY)
-TARNWICK_NETWORK_KEYS(TARNWICK_DECLARE_KEY)
+/// @}
+
+/// @{
+/// The fixed values: "bridge", "disable", "kestrune", "skip", "NoDots", "None".
 TARNWICK_VALUES(TARNWICK_DECLARE_VALUE)
-#undef TARNWICK_DECLARE_GROUP
+/// @}
+
 #undef TARNWICK_DECLARE_KEY
+#undef TARNWICK_DECLARE_GROUP
 #undef TARNWICK_DECLARE_VALUE
+
+/// What the value of a key is, or each of its values. The library checks no value against it.
+enum class ValueType : std::int32_t {
+    Text,          ///< any text
+    Boolean,       ///< a truth value, see `ConfigParser::getValue` for its words
+    Number,        ///< an integer
+    MountEntries,  ///< lines of the form of fstab(5)
+};
+
+/// Returns the type's name: "text", "boolean", "number" or "mount entries".
+[[nodiscard]] TARNWICK_API std::string_view valueTypeName(ValueType type);
+
+/// A key of the vocabulary.
+struct VocabularyKey {
+    const std::string* name;  ///< never null
+    ValueType type;           ///< of its value
+};
 
 /// A group and its keys, in their order of definition.
 struct VocabularyGroup {
-    const std::string* name;                   ///< never null
-    std::span<const std::string* const> keys;  ///< none is null
+    const std::string* name;              ///< never null
+    std::span<const VocabularyKey> keys;  ///< in the order of their rows
 };
 
 /// Returns all groups with their keys, in their order of definition.

@@ -1,4 +1,4 @@
-// The keys and values that reading configuration does without, and the table of all names.
+// The table of all names, for programs that list them.
 
 #include <array>
 
@@ -6,26 +6,19 @@
 
 namespace Tarnwick::Parser {
 
-#define TARNWICK_DEFINE_KEY(name) const std::string kKey##name = #name;
-#define TARNWICK_DEFINE_VALUE(name, text) const std::string kValue##name = text;
-TARNWICK_AUDIO_KEYS(TARNWICK_DEFINE_KEY)
-TARNWICK_CONFIG_KEYS(TARNWICK_DEFINE_KEY)
-TARNWICK_DEVICES_KEYS(TARNWICK_DEFINE_KEY)
-TARNWICK_FEATURES_KEYS(TARNWICK_DEFINE_KEY)
-TARNWICK_NETWORK_KEYS(TARNWICK_DEFINE_KEY)
-TARNWICK_VALUES(TARNWICK_DEFINE_VALUE)
+std::string_view valueTypeName(ValueType type) {
+    // Row n names type n.
+    static constexpr std::array<std::string_view, 4> kNames{"text", "boolean", "number",
+                                                            "mount entries"};
+    return kNames.at(static_cast<std::size_t>(type));
+}
 
 std::span<const VocabularyGroup> vocabularyGroups() {
-    using Key = const std::string*;
-#define TARNWICK_KEY_POINTER(name) &kKey##name,
-    static constexpr Key kAudio[] = {TARNWICK_AUDIO_KEYS(TARNWICK_KEY_POINTER)};
-    static constexpr Key kConfig[] = {TARNWICK_CONFIG_KEYS(TARNWICK_KEY_POINTER)};
-    static constexpr Key kDevices[] = {TARNWICK_DEVICES_KEYS(TARNWICK_KEY_POINTER)};
-    static constexpr Key kFeatures[] = {TARNWICK_FEATURES_KEYS(TARNWICK_KEY_POINTER)};
-    static constexpr Key kGeneratedConfig[] = {
-        TARNWICK_GENERATED_CONFIG_KEYS(TARNWICK_KEY_POINTER)};
-    static constexpr Key kNetwork[] = {TARNWICK_NETWORK_KEYS(TARNWICK_KEY_POINTER)};
-#define TARNWICK_GROUP_ROW(name) VocabularyGroup{&kGroup##name, k##name},
+#define TARNWICK_KEY_ROW(name, type) VocabularyKey{&kKey##name, ValueType::type},
+#define TARNWICK_KEYS_OF_GROUP(name, KEYS) \
+    static constexpr std::array k##name{KEYS(TARNWICK_KEY_ROW)};
+#define TARNWICK_GROUP_ROW(name, KEYS) VocabularyGroup{&kGroup##name, k##name},
+    TARNWICK_GROUPS(TARNWICK_KEYS_OF_GROUP)
     static constexpr std::array kGroups{TARNWICK_GROUPS(TARNWICK_GROUP_ROW)};
     return kGroups;
 }

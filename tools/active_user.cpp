@@ -3,12 +3,12 @@
 #include <poll.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <stdexcept>
 
 #include "config_parser.h"
 #include "logging/log_record.h"
@@ -37,17 +37,12 @@ bool hasGeneratedUser(const ConfigParser& parser) {
            parser.hasKey(kGroupGeneratedConfig, kKeyBaseUid);
 }
 
-// Reads a key of the generated group; what cannot be read leaves with the key's name.
+// Reads a key of the generated group.
 template <typename T>
 void take(const ConfigParser& parser, const std::string& key, T& output) {
     parser.checkKeyAdded(kGroupGeneratedConfig, key);
-    if (!parser.hasKey(kGroupGeneratedConfig, key)) {
-        return;
-    }
-    try {
+    if (parser.hasKey(kGroupGeneratedConfig, key)) {
         parser.getValue(kGroupGeneratedConfig, key, output);
-    } catch (const std::out_of_range& error) {
-        throw std::out_of_range(kGroupGeneratedConfig + "/" + key + ": " + error.what());
     }
 }
 
@@ -142,20 +137,63 @@ std::int32_t watchSeat(LoginMonitor& monitor, std::int32_t first, int timeoutSec
     }
 }
 
+// Loads the generated keys alone. Returns false when a file failed.
+bool loadGenerated(ConfigParser& parser, const std::vector<std::string>& directories) {
+    for (const std::string* key : generatedUserKeys()) {
+        parser.addKey(kGroupGeneratedConfig, *key, KeyMode::Replace);
+    }
+    return parser.loadConfigs(directories) != LoadResult::InvalidConfiguration;
+}
+
+// Finds the user of the seat where no user is known. Returns whether there is a user then.
+bool settleUserId(std::int32_t& userId, UserOrigins& origins) {
+    if (userId != kNoUser) {
+        return true;
+    }
+    userId = waitForSeat0User(kSeatTimeoutSeconds);
+    if (userId == kNoUser) {
+        const int cause = errno;
+        logError(parserLogger) << "Failed to get seat0 user: " << std::strerror(cause);
+        return false;
+    }
+    origins.userId = UserOrigin::Seat;
+    return true;
+}
+
+bool readPasswordEntry(std::int32_t userId, std::string* userName, std::string* home,
+                       UserOrigins& origins) {
+    if (getUserInfoForUid(userId, userName, home, nullptr) == 0) {
+        const int cause = errno;
+        logError(parserLogger) << "Failed to get user information for uid " << userId << ": "
+                               << std::strerror(cause);
+        return false;
+    }
+    origins.userName = UserOrigin::PasswordDatabase;
+    origins.home = UserOrigin::PasswordDatabase;
+    return true;
+}
+
 }  // namespace
+
+std::span<const std::string* const> generatedUserKeys() {
+    static constexpr std::array kKeys{&kKeyBaseUid, &kKeyHome, &kKeyInstance, &kKeyUserId,
+                                      &kKeyUser};
+    return kKeys;
+}
 
 int resolveUser(const std::vector<std::string>& directories, std::int32_t* userId,
                 std::string* userName, std::string* instance, std::string* home,
-                std::int32_t* baseUid) {
+                std::int32_t* baseUid, UserOrigins* origins) {
+    UserOrigins ignored;
+    UserOrigins& from = origins != nullptr ? *origins : ignored;
+    from = {};
     ConfigParser parser(0);
-    for (const std::string* key :
-         {&kKeyBaseUid, &kKeyHome, &kKeyInstance, &kKeyUserId, &kKeyUser}) {
-        parser.addKey(kGroupGeneratedConfig, *key, KeyMode::Replace);
-    }
-    if (parser.loadConfigs(directories) == LoadResult::InvalidConfiguration) {
+    if (!loadGenerated(parser, directories)) {
         return -1;
     }
     if (hasGeneratedUser(parser)) {
+        constexpr auto kGenerated = UserOrigin::GeneratedConfig;
+        from = {kGenerated, kGenerated, kGenerated, kGenerated};
         takeNumber(parser, kKeyBaseUid, baseUid);
         takeNumber(parser, kKeyUserId, userId);
         takeText(parser, kKeyHome, home);
@@ -165,21 +203,7 @@ int resolveUser(const std::vector<std::string>& directories, std::int32_t* userI
     if (userId == nullptr) {
         return 0;
     }
-    if (*userId == kNoUser) {
-        *userId = waitForSeat0User(kSeatTimeoutSeconds);
-    }
-    if (*userId == kNoUser) {
-        const int cause = errno;
-        logError(parserLogger) << "Failed to get seat0 user: " << std::strerror(cause);
-        return -1;
-    }
-    if (getUserInfoForUid(*userId, userName, home, nullptr) == 0) {
-        const int cause = errno;
-        logError(parserLogger) << "Failed to get user information for uid " << *userId << ": "
-                               << std::strerror(cause);
-        return -1;
-    }
-    return 0;
+    return settleUserId(*userId, from) && readPasswordEntry(*userId, userName, home, from) ? 0 : -1;
 }
 
 std::int32_t waitForSeat0User(int timeoutSeconds) {

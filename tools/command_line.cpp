@@ -44,17 +44,12 @@ Fault setText(Options& options, const std::string& value) {
 }
 
 Fault setUserId(Options& options, const std::string& value) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    char* end = nullptr;
-    const long long number = std::strtoll(value.c_str(), &end, 10);
-    if (end == value.c_str()) {
-        return report("--user-id: " + value + " does not look like an integer.");
+    std::string problem;
+    const std::optional<std::int32_t> userId = parseUserId(value, problem);
+    if (!userId) {
+        return report(problem);
     }
-    // A number beyond long long comes out as the limit of long long.
-    if (number < Limits::min() || number > Limits::max()) {
-        return report("--user-id: " + value + " is too big/small.");
-    }
-    options.userId = static_cast<std::int32_t>(number);
+    options.userId = *userId;
     return Fault::None;
 }
 
@@ -63,22 +58,37 @@ Fault setList(Options& options, const std::string&) {
     return Fault::None;
 }
 
+enum class Need { Optional, Required };
+
+/// One option: how it is read, and how the usage text shows it, in the order of that text.
 struct OptionRow {
     std::string_view name;
+    std::string_view valueName;  // empty: the option takes no value
     Fault (*apply)(Options& options, const std::string& value);
-    const char* missingValue;  // null: the option takes no value
+    std::string_view missingValueHint;
+    Need need;
+    std::string_view description;
+    const std::string* defaultValue = nullptr;  // when set, it ends the description
 };
 constexpr std::array kOptions{
-    OptionRow{"--config", addDirectory,
-              "--config needs value. Specify alternative config directory to read."},
-    OptionRow{"--configs", addDirectories, "--configs needs value."},
-    OptionRow{"--instance", setText<&Options::instance>, "--instance needs value. Specify a name."},
-    OptionRow{"--user-id", setUserId, "--user-id needs value. Specify an UID value."},
-    OptionRow{"--group", setText<&Options::group>,
-              "--group needs value. Specify an config group name."},
-    OptionRow{"--key", setText<&Options::key>, "--key needs value. Specify an config key name."},
-    OptionRow{"--list", setList, nullptr},
-    OptionRow{"--log-level", setText<&Options::logLevel>, "--log-level needs value."},
+    OptionRow{"--config", "<input_directory>", addDirectory,
+              " Specify alternative config directory to read.", Need::Optional,
+              "Directory to read. Defaults to ", &kDefaultConfigDirectory},
+    OptionRow{"--configs", "<directories>", addDirectories, "", Need::Optional,
+              "Directories to read, separated by ':'."},
+    OptionRow{"--user-id", "<UID>", setUserId, " Specify an UID value.", Need::Optional,
+              "UID for user. Defaults to seat0 active user."},
+    OptionRow{"--instance", "<name>", setText<&Options::instance>, " Specify a name.",
+              Need::Optional, "Instance name for the container."},
+    OptionRow{"--log-level", "<level>", setText<&Options::logLevel>, "", Need::Optional,
+              "Log level. Defaults to warning."},
+    OptionRow{"--list", "", setList, "", Need::Optional,
+              "Instead of printing the final value of the key, list all\n"
+              "values defined for the key in a list. Value separator is ';'."},
+    OptionRow{"--group", "<group>", setText<&Options::group>, " Specify an config group name.",
+              Need::Optional, "Config group for the key. Defaults to ", &kGroupConfig},
+    OptionRow{"--key", "<name>", setText<&Options::key>, " Specify an config key name.",
+              Need::Required, "Config key name. Required."},
 };
 
 const OptionRow* findOption(std::string_view name) {
@@ -108,11 +118,11 @@ public:
         if (row == nullptr) {
             return report(name + ": unknown argument", Fault::WithoutUsage);
         }
-        if (row->missingValue == nullptr) {
+        if (row->valueName.empty()) {
             return row->apply(options, "");
         }
         if (next_ == end_) {
-            return report(row->missingValue);
+            return report(name + " needs value." + std::string(row->missingValueHint));
         }
         return row->apply(options, *next_++);  // whatever it looks like
     }
@@ -139,6 +149,38 @@ Fault readArguments(int count, const char* const* arguments, Options& options) {
     return Fault::None;
 }
 
+// --- The usage text ---
+
+constexpr std::size_t kDescriptionColumn = 31;
+
+// "    --option <value>", filled up with blanks as far as the description.
+std::string usageHead(const OptionRow& row) {
+    std::string head = "    " + std::string(row.name) + ' ' + std::string(row.valueName);
+    head.resize(kDescriptionColumn, ' ');
+    return head;
+}
+
+std::string usageLines(const OptionRow& row) {
+    std::string lines = usageHead(row);
+    for (const char character : row.description) {
+        lines += character;
+        if (character == '\n') {
+            lines.append(kDescriptionColumn, ' ');
+        }
+    }
+    return lines + (row.defaultValue != nullptr ? *row.defaultValue : "") + '\n';
+}
+
+std::string usageOf(Need need) {
+    std::string text;
+    for (const OptionRow& row : kOptions) {
+        if (row.need == need) {
+            text += usageLines(row);
+        }
+    }
+    return text;
+}
+
 Options defaultOptions() {
     Options options;
     options.group = kGroupConfig;
@@ -163,6 +205,22 @@ std::optional<Options> parseCommandLine(int count, const char* const* arguments)
     return options;
 }
 
+std::optional<std::int32_t> parseUserId(const std::string& text, std::string& problem) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    char* end = nullptr;
+    const long long number = std::strtoll(text.c_str(), &end, 10);
+    if (end == text.c_str()) {
+        problem = "--user-id: " + text + " does not look like an integer.";
+        return std::nullopt;
+    }
+    // A number beyond long long comes out as the limit of long long.
+    if (number < Limits::min() || number > Limits::max()) {
+        problem = "--user-id: " + text + " is too big/small.";
+        return std::nullopt;
+    }
+    return static_cast<std::int32_t>(number);
+}
+
 void printUsage(const std::string& programName) {
     std::cout << "Parse single key value from Tarnwick config.\n"
                  "\n"
@@ -172,39 +230,14 @@ void printUsage(const std::string& programName) {
               << " [OPTIONS] --key <config-key>\n"
                  "\n"
                  "OPTIONS:\n"
-                 "    --config <input_directory> Directory to read. Defaults to "
-              << kDefaultConfigDirectory
+              << usageOf(Need::Optional)
               << "\n"
-                 "    --configs <directories>    Directories to read, separated by ':'.\n"
-                 "    --user-id <UID>            UID for user. Defaults to seat0 active user.\n"
-                 "    --instance <name>          Instance name for the container.\n"
-                 "    --log-level <level>        Log level. Defaults to warning.\n"
-                 "    --list                     Instead of printing the final value of the key, "
-                 "list all\n"
-                 "                               values defined for the key in a list. Value "
-                 "separator is ';'.\n"
-                 "    --group <group>            Config group for the key. Defaults to "
-              << kGroupConfig
-              << "\n"
-                 "\n"
                  "REQUIRED OPTIONS:\n"
-                 "    --key <name>               Config key name. Required.\n"
-              << std::flush;
+              << usageOf(Need::Required) << std::flush;
 }
 
 std::string programName(int count, const char* const* arguments) {
     return count > 0 ? arguments[0] : "";
-}
-
-std::string join(const std::vector<std::string>& texts, char separator) {
-    std::string joined;
-    for (const std::string& text : texts) {
-        if (&text != &texts.front()) {
-            joined += separator;
-        }
-        joined += text;
-    }
-    return joined;
 }
 
 }  // namespace Tarnwick::Parser::Tool

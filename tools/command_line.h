@@ -25,13 +25,15 @@ struct Options {
 /// Reading stops without a word at the first argument that is not "--" and something more.
 [[nodiscard]] std::optional<Options> parseCommandLine(int count, const char* const* arguments);
 
+/// Reads a user id as `--user-id` does: a number, with or without anything behind it. Returns
+/// nothing, and sets `problem` to the message, when there is none or it is out of range.
+[[nodiscard]] std::optional<std::int32_t> parseUserId(const std::string& text,
+                                                      std::string& problem);
+
 /// Prints the usage text on standard output; `programName` as the program was called.
 void printUsage(const std::string& programName);
 
 /// Returns the program's name as it was called, or an empty text when it was given none.
 [[nodiscard]] std::string programName(int count, const char* const* arguments);
-
-/// Returns the texts with `separator` between neighbours.
-[[nodiscard]] std::string join(const std::vector<std::string>& texts, char separator);
 
 }  // namespace Tarnwick::Parser::Tool

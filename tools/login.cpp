@@ -3,11 +3,9 @@
 #include <systemd/sd-login.h>
 
 #include <cerrno>
-#include <cstdlib>
 
 #include "support/dynamic_library.h"
-
-TARNWICK_DLOPEN_NOTE("login", "The user of the active session", "recommended", "libsystemd.so.0");
+#include "support/free.h"
 
 namespace Tarnwick::Parser::Tool {
 namespace {
@@ -40,10 +38,6 @@ const LoginApi* loginApi() {
     static const bool isFilled = fill(api, DynamicLibrary("libsystemd.so.0"));
     return isFilled ? &api : nullptr;
 }
-
-struct Free {
-    void operator()(uid_t* uids) const { std::free(uids); }
-};
 
 sd_login_monitor* newMonitor(const char* category) {
     sd_login_monitor* monitor = nullptr;

@@ -1,7 +1,5 @@
 // tarnwick-parse-config: prints the value of one configuration key.
 
-#include <sys/stat.h>
-
 #include <exception>
 #include <iostream>
 #include <optional>
@@ -14,6 +12,8 @@
 #include "logging/log_record.h"
 #include "logging/logger_config.h"
 #include "process_setup.h"
+#include "support/join_strings.h"
+#include "template_variables.h"
 
 namespace {
 
@@ -23,31 +23,10 @@ using namespace Tarnwick::Parser::Tool;
 
 enum ExitStatus : int { ExitSuccess = 0, ExitFailure = 1, ExitNoValue = 2 };
 
-/// Whose configuration is read.
-struct User {
-    std::int32_t id;
-    std::string name;
-    std::string home;
-    std::string instance;
-};
-
-std::string vendorDirectory() {
-    struct stat status = {};
-    return stat("/odm/lib", &status) == 0 ? "/odm" : "/vendor";
-}
-
-void setVariables(ConfigParser& parser, const User& user) {
-    parser.setVariable("HOME", user.home);
-    parser.setVariable("USER", user.name);
-    parser.setVariable("USER_ID", std::to_string(user.id));
-    parser.setVariable("INSTANCE", user.instance);
-    parser.setVariable("ODM_DIR", vendorDirectory());
-}
-
 bool load(ConfigParser& parser, const std::vector<std::string>& directories) {
     const LoadResult result = parser.loadConfigs(directories);
     if (result == LoadResult::NoConfiguration) {
-        std::cerr << "No configuration to read in " << join(directories, ',') << '\n';
+        std::cerr << "No configuration to read in " << joinStrings(directories, ',') << '\n';
     }
     return result == LoadResult::Ok;
 }
@@ -79,7 +58,7 @@ ExitStatus printValue(const ConfigParser& parser, const Options& options) {
     if (options.list) {
         std::vector<std::string> values;
         parser.getValue(options.group, options.key, values);
-        return print(join(values, ';'));
+        return print(joinStrings(values, ';'));
     }
     std::string value;
     parser.getValue(options.group, options.key, value);
@@ -100,8 +79,8 @@ ExitStatus answer(const Options& options) {
     return printValue(parser, options);
 }
 
-// What an exception says names file, group and key when it left a load, and group and key when it
-// left a generated setting.
+// What an exception says names the place: file, line, group and key when it left a load, group and
+// key of the value at fault when it left a lookup.
 ExitStatus answerOrReport(const Options& options) {
     try {
         return answer(options);

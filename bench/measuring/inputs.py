@@ -107,24 +107,31 @@ def startup_input(top, files=12):
     return Input("start-up", directory, 25 * files, files, "Config", "Hostname", answer)
 
 
-def group_lines(number, keys):
+def startup_keys(count, files=12):
+    """(group, key) of `count` keys of the start-up input, spread over its files and groups."""
+    numbers = [number for number in range(25 * files) if number % 25 != 9]  # there: "Hostname"
+    chosen = numbers[:: len(numbers) // count][:count]
+    return [(STARTUP_GROUPS[number % 25 // 5], f"Setting{number}") for number in chosen]
+
+
+def group_lines(number, keys, first):
     yield f"[Group{number}]\n"
     for key in range(keys):
-        yield f"Key{key}={value_text(number * KEYS_PER_GROUP + key)}\n"
+        yield f"Key{key}={value_text(first + key)}\n"
 
 
-def large_input(top, keys, files=1):
-    """`keys` keys in groups of 1,000, spread evenly over the files; the last key is asked for."""
+def large_input(top, keys, files=1, per_group=KEYS_PER_GROUP):
+    """`keys` keys in groups, spread evenly over the files; the last key is asked for."""
     directory = top / f"{keys}-keys-{files}-files"
     directory.mkdir()
-    groups = [min(KEYS_PER_GROUP, keys - first) for first in range(0, keys, KEYS_PER_GROUP)]
-    per_file = len(groups) // files
+    groups = [min(per_group, keys - first) for first in range(0, keys, per_group)]
+    groups_per_file = len(groups) // files
     for index in range(files):
         with open(directory / f"{index:05}.conf", "w", encoding="ascii") as file:
-            for number in range(index * per_file, (index + 1) * per_file):
-                file.writelines(group_lines(number, groups[number]))
+            for number in range(index * groups_per_file, (index + 1) * groups_per_file):
+                file.writelines(group_lines(number, groups[number], number * per_group))
     last_group, last_key = len(groups) - 1, groups[-1] - 1
-    answer = value_text(last_group * KEYS_PER_GROUP + last_key)
+    answer = value_text(keys - 1)
     name = f"{files:,} {'file' if files == 1 else 'files'}, {keys:,} keys"
     return Input(name, directory, keys, files, f"Group{last_group}", f"Key{last_key}", answer)
 

@@ -5,6 +5,7 @@ import subprocess
 
 COLOURS = {
     "tarnwick-parse-config": "#c0392b",
+    "careful C++ reader": "#f1c40f",
     "slices in C": "#7f8c8d",
     "libinih": "#27ae60",
     "GKeyFile": "#2980b9",
@@ -52,8 +53,6 @@ def draw(series, path):
     """Writes the SVG; without gnuplot there is none, and False is returned."""
     if not shutil.which("gnuplot"):
         return False
-    picture = subprocess.run(
-        ["gnuplot"], input=gnuplot_text(series), stdout=subprocess.PIPE, text=True, check=True
-    )
+    picture = subprocess.run(["gnuplot"], input=gnuplot_text(series), stdout=subprocess.PIPE, text=True, check=True)
     path.write_text(picture.stdout)
     return True

@@ -2,6 +2,7 @@
 
 import os
 import shutil
+import sys
 from pathlib import Path
 from typing import Callable, NamedTuple
 
@@ -9,9 +10,14 @@ from . import inputs
 
 TOOL = "tarnwick-parse-config"
 EMPTY = "empty C program"
+CAREFUL = "careful C++ reader"
 LIMIT = "slices in C"
 GIT = "git config"
 KEY_FILE = "GKeyFile"
+
+
+def is_answer(source, printed):
+    return printed == source.answer + "\n"
 
 
 class Program(NamedTuple):
@@ -22,6 +28,7 @@ class Program(NamedTuple):
     most_files: int = 1000
     answers: bool = True  # it reads the input and prints the value
     environment: Callable[[inputs.Input], dict] = lambda source: {}
+    is_right: Callable[[inputs.Input, str], bool] = is_answer  # what a reader printed
 
 
 def same_arguments(source):
@@ -29,8 +36,7 @@ def same_arguments(source):
 
 
 def tool_arguments(source):
-    return ["--config", source.directory, "--user-id", os.getuid(),
-            "--group", source.group, "--key", source.key]
+    return ["--config", source.directory, "--user-id", os.getuid(), "--group", source.group, "--key", source.key]
 
 
 def list_arguments(source):
@@ -69,21 +75,36 @@ def known_programs(build):
     return [
         Program(EMPTY, built(peers / "empty"), lambda source: [], answers=False),
         Program(TOOL, built(Path(build) / "tools" / TOOL), tool_arguments),
+        Program(CAREFUL, built(peers / "careful"), same_arguments),
         Program(LIMIT, built(peers / "slices"), same_arguments),
         Program("libinih", built(peers / "inih"), same_arguments),
         Program(KEY_FILE, built(peers / "gkeyfile"), same_arguments),
         Program(GIT, installed("git"), git_arguments),
-        Program("kreadconfig5", installed("kreadconfig5"), kreadconfig_arguments,
-                most_keys=1_000_000, most_files=100, environment=kreadconfig_environment),
-        Program("crudini", installed("crudini"), crudini_arguments,
-                most_keys=10_000, most_files=100),
+        Program(
+            "kreadconfig5",
+            installed("kreadconfig5"),
+            kreadconfig_arguments,
+            most_keys=1_000_000,
+            most_files=100,
+            environment=kreadconfig_environment,
+        ),
+        Program("crudini", installed("crudini"), crudini_arguments, most_keys=10_000, most_files=100),
     ]
+
+
+def built_tool(build):
+    """The tool in a build tree; ends the process when there is none."""
+    (tool,) = (program for program in known_programs(build) if program.name == TOOL)
+    if not tool.path:
+        sys.exit(f"There is no tool in {build}.")
+    return tool
 
 
 def able_programs(programs, source):
     """Those that are here and can read an input of this size."""
     return [
-        program for program in programs
+        program
+        for program in programs
         if program.path and source.keys <= program.most_keys and source.files <= program.most_files
     ]
 

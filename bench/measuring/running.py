@@ -24,7 +24,11 @@ class WrongAnswer(Exception):
 def run(arguments, environment):
     """The finished process, with its output; raises when the program fails."""
     return subprocess.run(
-        arguments, env=environment, stdin=subprocess.DEVNULL, capture_output=True, text=True,
+        arguments,
+        env=environment,
+        stdin=subprocess.DEVNULL,
+        capture_output=True,
+        text=True,
         check=True,
     )
 
@@ -36,16 +40,12 @@ def shortened(text):
 def check_answer(program, source):
     """A fast wrong answer is none: every program proves that it finds the value."""
     printed = run(*programs.invocation(program, source)).stdout
-    if program.answers and printed != source.answer + "\n":
-        raise WrongAnswer(
-            f"{program.name} printed {shortened(printed)} instead of {shortened(source.answer)}"
-        )
+    if program.answers and not program.is_right(source, printed):
+        raise WrongAnswer(f"{program.name} printed {shortened(printed)} instead of {shortened(source.answer)}")
 
 
 def run_once(stopwatch, arguments, environment):
-    nanoseconds, microseconds, kibibytes, status = map(
-        int, run([stopwatch, *arguments], environment).stdout.split()
-    )
+    nanoseconds, microseconds, kibibytes, status = map(int, run([stopwatch, *arguments], environment).stdout.split())
     if status != 0:
         raise subprocess.CalledProcessError(status, arguments)
     return Run(nanoseconds / 1e9, microseconds / 1e6, kibibytes / 1024)
@@ -78,8 +78,12 @@ def measure_interleaved(stopwatch, jobs, rounds):
 def measure_micro(program, names, rounds):
     """Micro benchmark name to the median of its processor time in seconds, of several runs in an
     order drawn by lot."""
-    options = ["--benchmark_filter=^(" + "|".join(names) + ")$", "--benchmark_format=json",
-               f"--benchmark_repetitions={rounds}", "--benchmark_enable_random_interleaving=true"]
+    options = [
+        "--benchmark_filter=^(" + "|".join(names) + ")$",
+        "--benchmark_format=json",
+        f"--benchmark_repetitions={rounds}",
+        "--benchmark_enable_random_interleaving=true",
+    ]
     taken = {name: [] for name in names}
     for found in json.loads(run([program, *options], {}).stdout)["benchmarks"]:
         if found.get("error_occurred"):
@@ -115,11 +119,23 @@ def profile_instructions(arguments, environment):
     with tempfile.NamedTemporaryFile("r") as profile:
         output = f"--callgrind-out-file={profile.name}"
         run(["/usr/bin/valgrind", "--tool=callgrind", output, *arguments], environment)
-        text = run(["/usr/bin/callgrind_annotate", "--inclusive=yes", profile.name],
-                   environment).stdout
+        text = run(["/usr/bin/callgrind_annotate", "--inclusive=yes", profile.name], environment).stdout
     line = re.compile(r"^ *([\d,]+) \( *([\d.]+)%\)  [^:\n]*:(.*?)(?: \[.*)?$", re.MULTILINE)
     for number, percent, function in line.findall(text):
         yield int(number.replace(",", "")), float(percent), function
+
+
+def bare_name(function):
+    """The name alone, without its scope, parameters and symbol version."""
+    return re.split(r"[(@]", function.replace("(anonymous namespace)::", ""))[0].split("::")[-1]
+
+
+def instructions_by_name(arguments, environment):
+    """Bare function name to instructions with all that it calls; the dearest of several."""
+    found = {}
+    for number, _, function in profile_instructions(arguments, environment):
+        found.setdefault(bare_name(function), number)
+    return found
 
 
 def count_allocations(arguments, environment):

@@ -6,7 +6,6 @@
 #include <stdexcept>
 
 #include "config_parser.h"
-#include "config_parser_data.h"
 
 namespace Tarnwick::Parser {
 namespace {
@@ -103,26 +102,24 @@ void resolvesReferences(benchmark::State& state) {
 
 // What a value that refers to the keys cannot do without: for each one look for the key, and a
 // copy of its text into the result.
-std::string drawnTexts(const ConfigParserData& data, const std::vector<std::string>& keys) {
+std::string drawnTexts(ConfigParser& parser, const std::vector<std::string>& keys) {
     std::string text;
     for (const std::string& key : keys) {
-        const ValueList* values = data.find(kGroup, key);
-        if (values != nullptr) {
-            text += values->back().text;
-        }
+        const std::vector<ConfigValue>& values = parser.valueList(kGroup, key);
+        text += values.back().text;
     }
     return text;
 }
 
 void bareStoreOperations(benchmark::State& state) {
     const std::vector<std::string> keys = baseKeys(state.range(0));
-    ConfigParserData data;
+    ConfigParser parser(0);
     for (const std::string& key : keys) {
-        data.listOf(kGroup, key).emplace_back().text = kText;
+        store(parser, key, kText);
     }
-    expect(state, drawnTexts(data, keys), repeated(kText, state.range(0)));
+    expect(state, drawnTexts(parser, keys), repeated(kText, state.range(0)));
     for (auto _ : state) {
-        benchmark::DoNotOptimize(drawnTexts(data, keys).data());
+        benchmark::DoNotOptimize(drawnTexts(parser, keys).data());
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }

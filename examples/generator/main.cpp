@@ -9,6 +9,7 @@
 #include <tarnwick/logging/log_record.h>
 #include <tarnwick/vocabulary.h>
 
+#include <exception>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -61,6 +62,21 @@ void showWhere(const std::string& directory) {
               << '\n';
 }
 
+bool run(const std::string& configuration, const std::string& data, const std::string& directory) {
+    Settings settings;
+    if (!read(configuration, settings)) {
+        return false;
+    }
+    logInfo(parserLogger) << "Required device nodes: " << settings.requiredNodes;
+    const std::string output = directory + "/50-generated.conf";
+    generate(output, data, settings);
+    if (!isWritten(output)) {
+        return false;
+    }
+    showWhere(directory);
+    return true;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -71,16 +87,10 @@ int main(int count, char** arguments) {
     }
     parserLogger->setTarget(LoggerConfig::TargetStderr);
     LoggerConfig::configureAll(nullptr);  // TARNWICK_LOGGING and TARNWICK_LOGGING_TARGET
-    Settings settings;
-    if (!read(arguments[1], settings)) {
+    try {
+        return run(arguments[1], arguments[2], arguments[3]) ? 0 : 1;
+    } catch (const std::exception& error) {  // for instance a value of white space alone
+        std::cerr << "example-generator: " << error.what() << '\n';
         return 1;
     }
-    logInfo(parserLogger) << "Required device nodes: " << settings.requiredNodes;
-    const std::string output = arguments[3] + std::string("/50-generated.conf");
-    generate(output, arguments[2], settings);
-    if (!isWritten(output)) {
-        return 1;
-    }
-    showWhere(arguments[3]);
-    return 0;
 }

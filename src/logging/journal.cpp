@@ -5,9 +5,6 @@
 
 #include "support/dynamic_library.h"
 
-TARNWICK_DLOPEN_NOTE("journal", "Log records in the systemd journal", "recommended",
-                     "libsystemd.so.0");
-
 namespace Tarnwick::Parser::Logging {
 namespace {
 

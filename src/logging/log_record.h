@@ -85,6 +85,12 @@ public:
     LogRecord& operator<<(const std::string& text);
     LogRecord& operator<<(bool value);
     LogRecord& operator<<(const void* address);
+    /// A view alone, and nothing that converts to one: what converts to a text or a pointer as
+    /// well stays unambiguous.
+    template <std::same_as<std::string_view> T>
+    LogRecord& operator<<(T text) {
+        return addPiece(std::string(text));
+    }
     template <RecordNumber T>
     LogRecord& operator<<(T value) {
         std::ostringstream text;

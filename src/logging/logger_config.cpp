@@ -65,11 +65,21 @@ std::unique_ptr<std::ofstream> openLogFile(const std::string& path) {
     return stream->is_open() ? std::move(stream) : nullptr;
 }
 
+// The row of a name in lower case, or the end.
+auto findTarget(std::string_view name) {
+    return std::find_if(kTargets.begin(), kTargets.end(),
+                        [&](const TargetRow& each) { return each.name == name; });
+}
+
+// One unsigned comparison refuses negative numbers too.
+bool isLevelNumber(int number, bool isNumber) {
+    return isNumber && static_cast<unsigned>(number) <= LoggerConfig::LogDebug;
+}
+
 // A target that cannot be had is TargetFile without a stream.
 std::pair<Target, std::unique_ptr<std::ofstream>> convertTargetFromString(std::string& text) {
     lowerCase(text);
-    const auto row = std::find_if(kTargets.begin(), kTargets.end(),
-                                  [&](const TargetRow& each) { return each.name == text; });
+    const auto row = findTarget(text);
     if (row != kTargets.end()) {
         return {row->target, nullptr};
     }
@@ -91,9 +101,14 @@ bool isUsable(Target target, const std::ofstream* file) {
     return false;
 }
 
+bool hasDot(std::string_view text) {
+    return text.find('.') != text.npos;
+}
+
 bool identIsValid(std::string_view ident) {
-    static constexpr CharacterSet kPermitted(kNameCharacters.substr(1));  // all but the blank
-    return isMadeOf(ident, kPermitted, ".");
+    static constexpr CharacterSet kPermitted(
+        "-.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz");
+    return consistsOf(ident, kPermitted) && hasDot(ident);
 }
 
 }  // namespace
@@ -164,6 +179,22 @@ bool LoggerConfig::setTarget(const std::string& value) {
     return false;
 }
 
+bool LoggerConfig::isLevel(const std::string& text) {
+    std::string name = text;
+    if (convertLevelFromString(name) >= 0) {
+        return true;
+    }
+    bool isNumber = false;
+    const int number = parseInt(text, &isNumber);
+    return isLevelNumber(number, isNumber);
+}
+
+bool LoggerConfig::isTarget(const std::string& text) {
+    std::string name = text;
+    lowerCase(name);
+    return name.starts_with('/') || findTarget(name) != kTargets.end();
+}
+
 bool LoggerConfig::isEnabled(Level level) const {
     const std::shared_lock guard(state_->lock);
     return level <= state_->level;
@@ -180,9 +211,7 @@ bool LoggerConfig::storeLevelName(std::string name) {
 }
 
 bool LoggerConfig::storeLevelNumber(int number, bool isNumber) {
-    // One unsigned comparison refuses negative numbers too.
-    return isNumber && static_cast<unsigned>(number) <= static_cast<unsigned>(LogDebug) &&
-           setLevel(convertLevelFromInt(number));
+    return isLevelNumber(number, isNumber) && setLevel(convertLevelFromInt(number));
 }
 
 bool LoggerConfig::storeTargetName(std::string name) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -15,6 +17,10 @@ namespace Tarnwick::Parser::Logging {
 
 class LogRecord;
 struct LoggerState;
+
+/// A number or the literal `nullptr`. The number 0 is a null pointer as well.
+template <typename T>
+concept NumberOrNull = std::integral<T> || std::same_as<T, std::nullptr_t>;
 
 /// The level and the output target of the log records of one component, its identity.
 ///
@@ -100,6 +106,11 @@ public:
     /// Throws `std::out_of_range` as `ConfigParser::getValue` does.
     bool setLevel(const ConfigParser* config);
 
+    /// Does not compile: 0 would be a parser that is not there. A level is one of `Level`, or a
+    /// text.
+    template <NumberOrNull T>
+    bool setLevel(T value) = delete;
+
     /// Sends records to `target` from now on and closes the file of an earlier file target.
     /// `TargetFile` cannot be set this way, for want of a path: it is reported as "Cannot set
     /// file logging target with LoggerConfig::setTarget(Target)" and yields false; every other
@@ -118,6 +129,18 @@ public:
     /// "Invalid logging target 'TEXT' from config" and yields false. A null parser aborts. Throws
     /// `std::out_of_range` as `ConfigParser::getValue` does.
     bool setTarget(const ConfigParser* config);
+
+    /// Does not compile: 0 would be a parser that is not there. A target is one of `Target`, or a
+    /// text.
+    template <NumberOrNull T>
+    bool setTarget(T value) = delete;
+
+    /// Returns whether the setters of a level would take the text.
+    [[nodiscard]] static bool isLevel(const std::string& text);
+
+    /// Returns whether the setters of a target may take the text: one of the names, or an absolute
+    /// path. The file is not looked at, so it may still be refused.
+    [[nodiscard]] static bool isTarget(const std::string& text);
 
     /// Returns whether a record of `level` would be written.
     [[nodiscard]] bool isEnabled(Level level) const;

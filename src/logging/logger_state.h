@@ -30,5 +30,7 @@ extern std::shared_mutex registryLock;
 
 /// The configuration's group of logging settings: "Logging".
 extern const std::string kLoggingGroup;
+/// Its key for the target of all loggers; every other key is a logger's identity.
+inline constexpr const char* kTargetKey = "LogTarget";
 
 }  // namespace Tarnwick::Parser::Logging

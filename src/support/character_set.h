@@ -5,10 +5,6 @@
 
 namespace Tarnwick::Parser {
 
-/// The characters of group and key names, in ascending character-code order.
-inline constexpr std::string_view kNameCharacters =
-    " -.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz";
-
 /// A set of byte values that is laid out at compile time, so that a question costs one look.
 class CharacterSet {
 public:
@@ -26,14 +22,10 @@ private:
     bool member_[256] = {};
 };
 
-/// Returns whether `text` consists of characters of `permitted` alone and holds every character
-/// of `required` at least once. The empty text passes when nothing is required.
-[[nodiscard]] constexpr bool isMadeOf(std::string_view text, const CharacterSet& permitted,
-                                      std::string_view required = {}) {
-    const auto isPermitted = [&](char character) { return permitted.has(character); };
-    const auto occurs = [&](char character) { return text.find(character) != text.npos; };
-    return std::all_of(text.begin(), text.end(), isPermitted) &&
-           std::all_of(required.begin(), required.end(), occurs);
+/// Returns whether every character of `text` is one of `set`. The empty text has none that is not.
+[[nodiscard]] constexpr bool consistsOf(std::string_view text, const CharacterSet& set) {
+    return std::all_of(text.begin(), text.end(),
+                       [&](char character) { return set.has(character); });
 }
 
 }  // namespace Tarnwick::Parser

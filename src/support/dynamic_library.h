@@ -29,22 +29,3 @@ private:
 };
 
 }  // namespace Tarnwick::Parser
-
-/// Declares in the program's ELF notes that it opens `soname` at run time, so that package tools
-/// see a dependency that no NEEDED entry shows. `priority` is "required", "recommended" or
-/// "suggested". Format: the UAPI group's "dlopen metadata for ELF files" (owner FDO, note type
-/// 0x407c0c0a, a JSON array).
-#define TARNWICK_DLOPEN_NOTE(feature, description, priority, soname)                             \
-    __asm__(                                                                                     \
-        ".pushsection .note.dlopen, \"a\", %note\n"                                              \
-        ".balign 4\n"                                                                            \
-        ".long 2f - 1f\n"                                                                        \
-        ".long 4f - 3f\n"                                                                        \
-        ".long 0x407c0c0a\n"                                                                     \
-        "1: .asciz \"FDO\"\n"                                                                    \
-        "2: .balign 4\n"                                                                         \
-        "3: .asciz \"[{\\\"feature\\\":\\\"" feature "\\\",\\\"description\\\":\\\"" description \
-        "\\\",\\\"priority\\\":\\\"" priority "\\\",\\\"soname\\\":[\\\"" soname                 \
-        "\\\"]}]\"\n"                                                                            \
-        "4: .balign 4\n"                                                                         \
-        ".popsection\n")

@@ -39,33 +39,36 @@ std::int64_t LineReader::skipToEnd() {
 }
 
 // Reads until the buffer holds a line to its end.
-LineReader::Outcome LineReader::readOn(std::string_view& line) {
+LineReader::Outcome LineReader::readLine(std::string_view& line) {
     for (;;) {
-        const std::size_t available = end_ - begin_;
-        const Outcome outcome = fill();
-        if (outcome == Outcome::EndOfFile && available > 0) {
-            line = take(available, available);
+        const std::size_t pending = end_ - begin_;
+        const std::int64_t count = readMore();
+        if (count < 0) {
+            return Outcome::Failure;
+        }
+        if (count == 0 && pending == 0) {
+            return Outcome::EndOfFile;
+        }
+        if (count == 0) {
+            line = take(pending, pending);
             return Outcome::UnterminatedLine;
         }
-        if (outcome != Outcome::Line || takeLine(line, available)) {
-            return outcome;
+        if (takeLine(line, pending)) {
+            return Outcome::Line;
         }
     }
 }
 
-// Reads more bytes behind those not handed out yet; Line stands for success.
-LineReader::Outcome LineReader::fill() {
-    makeRoom();
+// Reads more bytes behind those not handed out yet. Returns how many, or -1 for a failure.
+std::int64_t LineReader::readMore() {
+    makeSpace();
     const ssize_t count = readSome(descriptor_, buffer_.get() + end_, capacity_ - end_);
-    if (count < 0) {
-        return Outcome::Failure;
-    }
-    end_ += static_cast<std::size_t>(count);
-    return count == 0 ? Outcome::EndOfFile : Outcome::Line;
+    end_ += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    return count;
 }
 
 // Moves the unfinished line to the front, and doubles the buffer when the line fills it.
-void LineReader::makeRoom() {
+void LineReader::makeSpace() {
     const std::size_t pending = end_ - begin_;
     if (pending == capacity_) {
         const std::size_t capacity = std::max(kFirstCapacity, 2 * capacity_);

@@ -22,6 +22,8 @@ public:
 
     /// Opens `path` for reading. When that fails, every `next` is a `Failure`.
     explicit LineReader(const std::string& path);
+    /// Reads from an open descriptor, from where it stands, and closes it in the end.
+    explicit LineReader(int descriptor) : descriptor_(descriptor) {}
     ~LineReader();
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
@@ -29,14 +31,14 @@ public:
     /// Reads the next line. `line` points into the buffer and is valid until the next call; it is
     /// unspecified unless there was a line.
     [[nodiscard]] Outcome next(std::string_view& line) {
-        return takeHeld(line) ? Outcome::Line : readOn(line);
+        return takeBufferedLine(line) ? Outcome::Line : readLine(line);
     }
 
-    /// The two halves of `next`. The first takes a line that the buffer holds whole and leaves the
-    /// buffer, and so every line taken from it, as it is; it returns whether there was one. The
+    /// The two halves of `next`. The first takes a line that the buffer holds whole; it leaves the
+    /// buffer, and so every line taken from it, as it is, and returns whether there was one. The
     /// second, to be called when there was none, reads more of the file into the buffer.
-    [[nodiscard]] bool takeHeld(std::string_view& line) { return takeLine(line, 0); }
-    [[nodiscard]] Outcome readOn(std::string_view& line);
+    [[nodiscard]] bool takeBufferedLine(std::string_view& line) { return takeLine(line, 0); }
+    [[nodiscard]] Outcome readLine(std::string_view& line);
 
     /// Skips what is left of the file and returns the offset of its end, or -1 when the file could
     /// not be opened or has no offsets.
@@ -68,8 +70,8 @@ private:
         return line;
     }
 
-    [[nodiscard]] Outcome fill();
-    void makeRoom();
+    [[nodiscard]] std::int64_t readMore();
+    void makeSpace();
 
     int descriptor_;
     std::unique_ptr<char[]> buffer_;

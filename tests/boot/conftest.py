@@ -11,9 +11,7 @@ FIGURES = pytest.StashKey()
 def machine(request):
     """The machine, booted once; it runs the checks whose tests were selected."""
     directory = ROOT / "build" / f"boot-{architecture()}"
-    selected = [
-        item.callspec.params["check"] for item in request.session.items if hasattr(item, "callspec")
-    ]
+    selected = [item.callspec.params["check"] for item in request.session.items if hasattr(item, "callspec")]
     (directory / "additions/srv/checks/selected").write_text("".join(f"{name}\n" for name in selected))
     with booted(architecture(), directory / "serial.log") as machine:
         request.config.stash[FIGURES] = machine.figures

@@ -91,7 +91,9 @@ def booted(architecture, log):
     """A machine on its way through the checks; it ends with this block at the latest."""
     process = subprocess.Popen(
         ["setpriv", "--pdeathsig", "TERM", RUN, architecture, "systemd.getty_auto=no", "tarnwick.checks"],
-        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+        stdin=subprocess.DEVNULL,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
     )
     try:
         yield Machine(process, log)

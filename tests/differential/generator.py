@@ -53,7 +53,7 @@ GOOD_TEMPLATES = [
 MISSING_TEMPLATES = [
     b"${env:DT_EMPTY}", b"${env:DT_UNSET}", b"${env:}", b"${envfile:env/none:NAME}", b"${envfile:env/one:ABSENT}",
     b"${envfile::NAME}", b"${envfile:d1:NAME}", b"${realpath:nowhere}", b"${realpath:}", b"${realpath:env/one/..}",
-    b"${prop:ro.x}", b"${realpath:loop}",
+    b"${prop:ro.x}", b"${realpath:loop}", b"${dconf:/tw/none}", b"${dconf:tw}", b"${dconf:}",
 ]  # fmt: skip
 BROKEN_TEMPLATES = [
     b"$", b"$x", b"a$ b", b"${", b"${HOME", b"${env:DT_ONE", b"${}", b"${home}", b"${ HOME}", b"${HOME }",

@@ -14,9 +14,7 @@ import pwd
 import re
 from dataclasses import dataclass, field
 
-NAME_CHARACTERS = frozenset(
-    b" -.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz"
-)
+NAME_CHARACTERS = frozenset(b" -.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz")
 WHITE_SPACE = b" \t\n\v\f\r"
 LEVELS = [b"CRITICAL", b"ERROR", b"WARNING", b"INFO", b"DEBUG"]
 GENERATED_KEYS = [b"BaseUid", b"Home", b"Instance", b"UserId", b"User"]
@@ -340,6 +338,7 @@ def resolve_template(run, store, name):
         b"env": read_env,
         b"envfile": read_env_file,
         b"realpath": real_path,
+        b"dconf": no_dconf_value,
         b"prop": no_property,
         b"system": system,
     }
@@ -384,8 +383,7 @@ def read_env_file(run, argument, name):
     if found is None:
         run.log(
             b"DEBUG",
-            b"Failed to read '" + variable + b"' from environment file '" + path
-            + b"' for template '" + name + b"'",
+            b"Failed to read '" + variable + b"' from environment file '" + path + b"' for template '" + name + b"'",
         )
     return found
 
@@ -404,6 +402,11 @@ def can_be_reached(path):
     except OSError:
         return False
     return True
+
+
+def no_dconf_value(run, argument, name):
+    run.log(b"DEBUG", b"Failed to read '" + argument + b"' from dconf for template '" + name + b"'")
+    return None
 
 
 def no_property(run, argument, name):

@@ -22,11 +22,18 @@ def smaller_cases(case):
         for name in getattr(case, field):
             kept = {other: content for other, content in getattr(case, field).items() if other != name}
             yield replace(case, **{field: kept})
-    for index in range(len(case.directories)):
-        if len(case.directories) > 1:
-            yield replace(case, directories=without(case.directories, index, 1))
+    for field, least in (("directories", 1), ("arguments", 0)):
+        yield from with_shorter_list(case, field, least)
     for separator in (b"\n", b";"):
         yield from smaller_files(case, separator)
+
+
+def with_shorter_list(case, field, least):
+    """Takes one item out of a list that the case has, as long as more than `least` are in it."""
+    items = getattr(case, field, [])
+    if len(items) > least:
+        for index in range(len(items)):
+            yield replace(case, **{field: without(items, index, 1)})
 
 
 def smaller_files(case, separator):

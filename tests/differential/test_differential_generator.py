@@ -38,6 +38,7 @@ OUTCOMES = [
     b"from environment variables for template",
     b"from environment file",
     b"path for template",
+    b"from dconf for template",
     b"from properties for template",
     b"from system for template",
 ]

@@ -22,9 +22,7 @@ def ask(directory):
 
     def ask_for_key(files, *arguments, **options):
         write_files(directory, files if isinstance(files, dict) else {"a.conf": files})
-        return request(
-            "--config", str(directory), "--user-id", "0", "--key", "K", *arguments, **options
-        )
+        return request("--config", str(directory), "--user-id", "0", "--key", "K", *arguments, **options)
 
     return ask_for_key
 

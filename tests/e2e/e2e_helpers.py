@@ -26,20 +26,18 @@ def starts_by_itself():
         return False
 
 
-started_directly = pytest.mark.skipif(
-    not starts_by_itself(), reason="the tool starts only with the emulator before it"
-)
+started_directly = pytest.mark.skipif(not starts_by_itself(), reason="the tool starts only with the emulator before it")
 in_a_real_root = pytest.mark.skipif(
     bool(EMULATOR), reason="the emulator shows its sysroot in place of the root directory"
 )
+
+
 def is_watched():
     """True for a tool that a sanitizer or valgrind watches."""
     return is_sanitized() or any("valgrind" in word for word in EMULATOR)
 
 
-plain_build_only = pytest.mark.skipif(
-    is_watched(), reason="what watches the tool needs descriptors for its own checks"
-)
+plain_build_only = pytest.mark.skipif(is_watched(), reason="what watches the tool needs descriptors for its own checks")
 without_default_directory = pytest.mark.skipif(
     os.path.exists(DEFAULT_DIRECTORY), reason="this machine has a configuration of its own"
 )
@@ -78,8 +76,8 @@ def load_failure(path):
 
 
 def is_critical_record(text, *words):
-    """True when `text` is one record at the critical level that holds all of `words`."""
-    record = re.fullmatch(rb"CRITICAL: [^\n]+\n", text)
+    """True when `text` is the one record of a value that cannot be had, and holds all of `words`."""
+    record = re.fullmatch(rb"CRITICAL: Cannot get '[^\n']+/[^\n']+': [^\n]+\n", text)
     return record is not None and all(os.fsencode(word) in text for word in words)
 
 

@@ -47,9 +47,7 @@ def test_an_option_that_ends_the_command_line_without_its_value_is_refused(optio
     assert request("--key", "K", option) == complaint(message)
 
 
-@pytest.mark.parametrize(
-    "argument", ["--bogus", "---", "--help", "--Key", "--key=K", "--lis", "--list=1", "-- "]
-)
+@pytest.mark.parametrize("argument", ["--bogus", "---", "--help", "--Key", "--key=K", "--lis", "--list=1", "-- "])
 def test_an_unknown_argument_is_named_without_the_usage(argument):
     assert request(argument, "--key", "K") == (1, b"", lines(argument + ": unknown argument"))
 
@@ -222,9 +220,7 @@ def test_a_key_that_is_not_there_gives_status_2_and_no_output(ask, arguments, li
 @started_directly
 @pytest.mark.parametrize("program", ["parse", "./odd name", ""])
 def test_the_usage_names_the_program_as_it_was_started(program):
-    run = subprocess.run(
-        [program, "--list"], executable=TOOL, env=clean_environment(), capture_output=True
-    )
+    run = subprocess.run([program, "--list"], executable=TOOL, env=clean_environment(), capture_output=True)
     assert (run.returncode, run.stdout) == (1, usage(program))
 
 

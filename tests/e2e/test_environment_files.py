@@ -99,10 +99,7 @@ def test_a_variable_that_no_line_assigns_fails(ask_file, tmp_path, content, name
 @pytest.mark.parametrize("path", ["/missing/x.env", "/", "", "missing"])
 def test_a_file_that_cannot_be_read_has_no_variables(ask, tmp_path, path):
     text = one_key(f"${{envfile:{path}:NAME}}")
-    message = (
-        f"DEBUG: Failed to read 'NAME' from environment file '{path}' "
-        f"for template 'envfile:{path}:NAME'"
-    )
+    message = f"DEBUG: Failed to read 'NAME' from environment file '{path}' for template 'envfile:{path}:NAME'"
     assert ask(text, "--log-level", "debug", cwd=tmp_path) == (2, b"", lines(message))
 
 

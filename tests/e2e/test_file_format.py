@@ -70,9 +70,7 @@ def test_the_line_number_is_one_character_of_its_low_8_bits(ask, directory, numb
 
 def test_the_65th_line_is_numbered_a_capital_a(ask, directory):
     outcome = ask("\n" * 64 + "[bad\n")
-    assert outcome.err.startswith(
-        lines(f"ERROR: Could not parse line as group in {directory}/a.conf (A): '[bad'")
-    )
+    assert outcome.err.startswith(lines(f"ERROR: Could not parse line as group in {directory}/a.conf (A): '[bad'"))
 
 
 def test_every_byte_that_starts_no_line_makes_it_unexpected(ask, directory):
@@ -80,10 +78,7 @@ def test_every_byte_that_starts_no_line_makes_it_unexpected(ask, directory):
     known = KEY_STARTS + COMMENT_STARTS + b"[\n"
     starts = [bytes([code]) for code in range(256) if code not in known]
     content = b"".join(start + b"=x\n" for start in starts)
-    faults = [
-        fault("Unexpected line in ", path, number, start + b"=x")
-        for number, start in enumerate(starts, 1)
-    ]
+    faults = [fault("Unexpected line in ", path, number, start + b"=x") for number, start in enumerate(starts, 1)]
     assert ask({"a.conf": content}) == (1, b"", b"".join(faults) + load_failure(path))
 
 
@@ -94,9 +89,7 @@ def test_every_byte_that_starts_no_line_makes_it_unexpected(ask, directory):
         pytest.param("[a{}b]", "Group name contains invalid characters in ", b"\n", id="a group"),
     ],
 )
-def test_every_byte_outside_the_name_characters_is_refused_in(
-    ask, directory, pattern, text, harmless
-):
+def test_every_byte_outside_the_name_characters_is_refused_in(ask, directory, pattern, text, harmless):
     path = directory / "a.conf"
     before, after = pattern.encode().split(b"{}")
     permitted = NAME_CHARACTERS.encode() + harmless
@@ -151,9 +144,7 @@ def test_blanks_before_the_equals_sign_belong_to_the_key(ask):
     assert ask("[Config]\nK = 1\n") == (2, b"", b"")
 
 
-@pytest.mark.parametrize(
-    ("header", "group"), [("[]", ""), ("[ a b ]", " a b "), ("[-]", "-"), ("[a.b]", "a.b")]
-)
+@pytest.mark.parametrize(("header", "group"), [("[]", ""), ("[ a b ]", " a b "), ("[-]", "-"), ("[a.b]", "a.b")])
 def test_the_group_is_everything_between_the_brackets(ask, header, group):
     assert ask(f"[X]\n{header}\nK=1\n", "--group", group) == (0, b"1\n", b"")
 
@@ -220,9 +211,7 @@ def test_a_last_line_without_line_feed_is_taken_once_when_it_is(ask, content, an
     assert ask(content, "--list") == (0, lines(answer), b"")
 
 
-@pytest.mark.parametrize(
-    "arguments", [["--group", "B"], ["--group", "B", "--list"], ["--group", ""], ["--key", "B"]]
-)
+@pytest.mark.parametrize("arguments", [["--group", "B"], ["--group", "B", "--list"], ["--group", ""], ["--key", "B"]])
 def test_an_unterminated_header_invents_no_key(ask, arguments):
     assert ask("[Config]\nK=1\n[B]", *arguments) == (2, b"", b"")
 

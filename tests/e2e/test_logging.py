@@ -8,9 +8,7 @@ NOISY = "[Config]\nK=1\nE=${nope}\nW=${system:exit 65}\nD=${env:UNSET_HERE}\n"
 ERROR = "ERROR: No such template 'nope'"
 WARNING = "WARNING: exit 65 exited with non-zero status: A"
 DEBUG_COMMAND = "DEBUG: Failed to resolve 'exit 65' from system for template 'system:exit 65'"
-DEBUG_VARIABLE = (
-    "DEBUG: Failed to read 'UNSET_HERE' from environment variables for template 'env:UNSET_HERE'"
-)
+DEBUG_VARIABLE = "DEBUG: Failed to read 'UNSET_HERE' from environment variables for template 'env:UNSET_HERE'"
 RECORDS = {
     "critical": b"",
     "error": lines(ERROR),

@@ -105,9 +105,7 @@ def test_the_generated_user_id_is_the_number_that_its_text_begins_with(ask, text
     assert outcome == (0, who(uid, "1"), b"")
 
 
-@pytest.mark.parametrize(
-    ("text", "uid"), [(str(UNKNOWN_UID), UNKNOWN_UID), ("99999999999", 2147483647), ("-3", -3)]
-)
+@pytest.mark.parametrize(("text", "uid"), [(str(UNKNOWN_UID), UNKNOWN_UID), ("99999999999", 2147483647), ("-3", -3)])
 def test_a_generated_user_must_be_known_too(ask, text, uid):
     assert ask(generated(UserId=text) + WHO) == unknown_user(uid)
 
@@ -146,9 +144,7 @@ def test_no_template_variable_exists_while_generated_keys_are_read(ask):
     assert outcome == (0, lines(home), message)
 
 
-@pytest.mark.parametrize(
-    ("key", "user_id"), [("UserId", 0), ("Home", 1), ("Instance", 1), ("User", 1)]
-)
+@pytest.mark.parametrize(("key", "user_id"), [("UserId", 0), ("Home", 1), ("Instance", 1), ("User", 1)])
 def test_a_generated_key_that_draws_on_another_key_finds_it_unregistered(ask, key, user_id):
     text = generated(**{"Instance": "made", key: "${config:Config/X}"})
     outcome = ask(text + WHO + "X=2\n", "--user-id", "2")

@@ -110,9 +110,7 @@ def test_the_vendor_directory_depends_on_the_odm_libraries(ask_in_root, files, a
     assert ask_in_root(files, "--config", "/conf") == (0, lines(answer), b"")
 
 
-@pytest.mark.parametrize(
-    ("user_id", "answer"), [("0", "0 root /root"), ("1000", "1000 odd name /home/Odd Home")]
-)
+@pytest.mark.parametrize(("user_id", "answer"), [("0", "0 root /root"), ("1000", "1000 odd name /home/Odd Home")])
 def test_the_password_file_gives_name_and_home(ask_in_root, user_id, answer):
     files = {"conf/a.conf": WHO}
     assert ask_in_root(files, "--config", "/conf", "--user-id", user_id) == (0, lines(answer), b"")

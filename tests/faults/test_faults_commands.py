@@ -149,9 +149,7 @@ def test_a_command_of_a_parent_that_reaps_no_children_fails_with_a_record(place)
     assert outcome.stderr == b"ERROR: echo hello pclose() exited with failure: No child processes\n"
 
 
-@pytest.mark.parametrize(
-    "disposition", [signal.SIG_DFL, pytest.param(signal.SIG_IGN, marks=pytest.mark.native)]
-)
+@pytest.mark.parametrize("disposition", [signal.SIG_DFL, pytest.param(signal.SIG_IGN, marks=pytest.mark.native)])
 @pytest.mark.parametrize("number", [signal.SIGPIPE, signal.SIGXFSZ])
 def test_a_signal_that_the_tool_survives_reaches_commands_as_it_reached_the_tool(place, number, disposition):
     write(place, "grep SigIgn /proc/self/status")

@@ -252,4 +252,3 @@ def test_a_directory_name_that_is_too_long_holds_no_configuration(place):
     outcome = run("--config", "x" * 5000, "--key", "K", place=place)
     assert (outcome.status, outcome.stdout) == (1, b"")
     assert outcome.stderr == b"No configuration to read in " + b"x" * 5000 + b"\n"
-

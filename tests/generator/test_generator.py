@@ -103,6 +103,32 @@ def test_a_configuration_that_is_invalid_generates_nothing(tmp_path):
     assert not (tmp_path / "50-generated.conf").exists()
 
 
+def test_a_value_of_white_space_alone_is_told_and_generates_nothing(tmp_path):
+    (tmp_path / "blank.conf").write_text("[Config]\nStoragePath= \n")
+    failed = generate(tmp_path, SOURCE, tmp_path)
+    assert (failed.returncode, failed.stdout) == (1, b"")
+    assert failed.stderr.startswith(f"example-generator: {tmp_path}/blank.conf".encode())
+    assert not (tmp_path / "50-generated.conf").exists()
+
+
+def test_marks_of_the_format_in_a_mount_entry_are_read_as_such_later(tmp_path):
+    hooks = tmp_path / "hooks"
+    hooks.mkdir()
+    hook = hooks / "10-marks.sh"
+    hook.write_text(
+        """#!/bin/sh
+printf '%s\\n' '/srv/a;b media none bind 0 0' '/srv/$c media none bind 0 0' \\
+    '/srv/$$d media none bind 0 0'
+"""
+    )
+    hook.chmod(0o755)
+    assert generate(SOURCE / "config", tmp_path, tmp_path).returncode == 0
+    listed = run_tool("--user-id", "0", "--config", str(tmp_path), "--key", "Mounts", "--list")
+    assert listed.stdout == b"/srv/a;b media none bind 0 0;/srv/$d media none bind 0 0\n"
+    last = run_tool("--user-id", "0", "--config", str(tmp_path), "--key", "Mounts")
+    assert b"'$' must be followed by '{' or '$': /srv/$c" in last.stderr
+
+
 def test_any_other_number_of_arguments_shows_the_usage():
     assert generate(SOURCE).returncode == 1
     assert generate(SOURCE).stderr.startswith(b"usage: example-generator ")

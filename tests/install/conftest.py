@@ -9,9 +9,7 @@ import pathlib
 
 import pytest
 
-from install_commands import ROOT, run
-
-BUILD = ROOT / "build" / "install"
+from install_commands import BUILD, ROOT, run
 
 
 @pytest.fixture(scope="session")
@@ -41,6 +39,6 @@ def packages():
         if not made:
             run(ROOT / "scripts" / "build-packages", architecture)
         directory = pathlib.Path(made or ROOT / "build" / "packages").resolve()
-        return {path.name.split("_")[0]: path for path in directory.glob(f"*_{architecture}.deb")}
+        return {path.name.split("_")[0]: path for path in directory.rglob(f"*_{architecture}.deb")}
 
     return packages_for

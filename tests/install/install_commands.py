@@ -6,6 +6,7 @@ import shlex
 import subprocess
 
 ROOT = pathlib.Path(__file__).parents[2]
+BUILD = ROOT / "build" / "install"
 
 
 def run(*command, env=None, **options):
@@ -23,19 +24,14 @@ def run(*command, env=None, **options):
         **({"stdin": subprocess.DEVNULL} if "input" not in options else {}),
         **options,
     )
-    assert result.returncode == 0, (
-        f"{shlex.join(words)} ended with status {result.returncode}\n"
-        f"{result.stdout}\n{result.stderr}"
-    )
+    assert (
+        result.returncode == 0
+    ), f"{shlex.join(words)} ended with status {result.returncode}\n{result.stdout}\n{result.stderr}"
     return result
 
 
 def project_version():
     """The version that CMakeLists.txt names, the one place where it stands."""
-    [line] = [
-        line
-        for line in (ROOT / "CMakeLists.txt").read_text().splitlines()
-        if line.startswith("project(")
-    ]
+    [line] = [line for line in (ROOT / "CMakeLists.txt").read_text().splitlines() if line.startswith("project(")]
     words = line.split()
     return words[words.index("VERSION") + 1]

@@ -45,13 +45,13 @@ def device(request, packages, tmp_path_factory):
     return Device(TARGETS[request.param], found, root, sysroot)
 
 
-def test_the_same_three_packages_are_made(device):
-    names = ["libtarnwick-parser-dev", "libtarnwick-parser0", "tarnwick-parse-config"]
+def test_the_same_four_packages_are_made(device):
+    names = ["libtarnwick-parser-dev", "libtarnwick-parser1", "tarnwick-config", "tarnwick-parse-config"]
     assert sorted(device.packages) == names
 
 
 def test_the_libraries_that_are_needed_are_packages_that_are_named(device):
-    depends = run("dpkg-deb", "--field", device.packages["libtarnwick-parser0"], "Depends").stdout
+    depends = run("dpkg-deb", "--field", device.packages["libtarnwick-parser1"], "Depends").stdout
     assert sorted(entry.split()[0] for entry in depends.split(",")) == [
         "libc6",
         "libgcc-s1",
@@ -59,9 +59,7 @@ def test_the_libraries_that_are_needed_are_packages_that_are_named(device):
     ]
 
 
-@pytest.mark.parametrize(
-    "file", ["usr/bin/tarnwick-parse-config", "usr/lib/*/libtarnwick-parser.so"]
-)
+@pytest.mark.parametrize("file", ["usr/bin/tarnwick-parse-config", "usr/lib/*/libtarnwick-parser.so"])
 def test_program_and_library_are_of_that_machine(file, device):
     [path] = device.root.glob(file)
     header = run("readelf", "--file-header", path).stdout
@@ -70,9 +68,7 @@ def test_program_and_library_are_of_that_machine(file, device):
 
 
 def test_the_tool_answers_under_emulation(device, tmp_path):
-    (tmp_path / "10-vendor.conf").write_text(
-        "[Config]\nArch=arm\nArch=${config:Config/Hostname}-64\nHostname=x\n"
-    )
+    (tmp_path / "10-vendor.conf").write_text("[Config]\nArch=arm\nArch=${config:Config/Hostname}-64\nHostname=x\n")
     tool = device.root / "usr" / "bin" / "tarnwick-parse-config"
     answer = device.run(tool, "--user-id", "0", "--config", tmp_path, "--key", "Arch")
     assert (answer.stdout, answer.stderr) == ("x-64\n", "")

@@ -16,24 +16,32 @@ HEADERS = [
     "config_parser.h",
     "config_value.h",
     "config_writer.h",
+    "diagnostic.h",
     "generator_helpers.h",
+    "load_event.h",
     "logging/log_record.h",
     "logging/logger_config.h",
+    "parser_types.h",
+    "template_text.h",
     "vocabulary.h",
     "vocabulary_names.h",
 ]
 LIBRARY_FILES = [
-    "cmake/TarnwickParser/TarnwickParserConfig-release.cmake",
     "cmake/TarnwickParser/TarnwickParserConfig.cmake",
     "cmake/TarnwickParser/TarnwickParserConfigVersion.cmake",
+    "cmake/TarnwickParser/TarnwickParserTargets-release.cmake",
+    "cmake/TarnwickParser/TarnwickParserTargets.cmake",
+    "libtarnwick-parser.a",
     "libtarnwick-parser.so",
-    "libtarnwick-parser.so.0",
+    f"libtarnwick-parser.so.{project_version().split('.')[0]}",
     f"libtarnwick-parser.so.{project_version()}",
     "pkgconfig/tarnwick-parser.pc",
 ]
 OTHER_FILES = [
+    "usr/bin/tarnwick-config",
     "usr/bin/tarnwick-parse-config",
     "usr/share/bash-completion/completions/tarnwick-parse-config",
+    "usr/share/man/man1/tarnwick-config.1",
     "usr/share/man/man1/tarnwick-parse-config.1",
     "usr/share/man/man3/libtarnwick-parser.3",
     "usr/share/man/man5/tarnwick.conf.5",
@@ -64,12 +72,55 @@ def test_no_installed_text_names_a_path_of_this_machine(stage):
     assert [path for path in texts if str(ROOT) in path.read_text()] == []
 
 
-def test_a_program_finds_and_links_the_library_with_cmake(stage, tmp_path):
-    configure = ["cmake", "-G", "Ninja", "-S", CONSUMER, "-B", tmp_path]
-    run(*configure, f"-DCMAKE_PREFIX_PATH={stage}/usr")
-    run("cmake", "--build", tmp_path)
-    result = run(tmp_path / "consumer", CONSUMER / "conf.d")
+@pytest.fixture(scope="module", params=["package", "tree"])
+def consumers(request, stage, tmp_path_factory):
+    """The directory of the consumers, built with the installed package or with the source tree."""
+    directory = tmp_path_factory.mktemp(request.param)
+    library = {
+        "package": f"-DCMAKE_PREFIX_PATH={stage}/usr",
+        "tree": f"-DTARNWICK_SOURCE_TREE={ROOT}",
+    }
+    run("cmake", "-G", "Ninja", "-S", CONSUMER, "-B", directory, library[request.param])
+    run("cmake", "--build", directory)
+    return directory
+
+
+@pytest.mark.parametrize("program", ["consumer", "consumer-static"])
+def test_a_program_finds_and_links_the_library_with_cmake(program, consumers):
+    result = run(consumers / program, CONSUMER / "conf.d")
     assert (result.stdout, result.stderr) == (ANSWER, RECORD)
+
+
+# Tells for each version in WANTED whether the package serves a program that asks for it.
+VERSION_QUESTIONS = """
+foreach(PACKAGE_FIND_VERSION IN LISTS WANTED)
+  string(REGEX MATCH "^[0-9]+" PACKAGE_FIND_VERSION_MAJOR ${PACKAGE_FIND_VERSION})
+  set(PACKAGE_VERSION_COMPATIBLE FALSE)
+  include(${FILE})
+  message(NOTICE ${PACKAGE_VERSION_COMPATIBLE})
+endforeach()
+"""
+
+
+def test_cmake_takes_the_package_for_earlier_versions_of_the_same_major_one(library_directory, tmp_path):
+    script = tmp_path / "ask.cmake"
+    script.write_text(VERSION_QUESTIONS)
+    file = library_directory / "cmake" / "TarnwickParser" / "TarnwickParserConfigVersion.cmake"
+    major, minor, patch = map(int, project_version().split("."))
+    same = [f"{major}", f"{major}.{minor}", f"{major}.{minor}.{patch}"]
+    other = [f"{major - 1}", f"{major - 1}.9", f"{major + 1}", f"{major}.{minor + 1}"]
+    wanted = f"-DWANTED={';'.join(same + other)}"
+    answers = run("cmake", wanted, f"-DFILE={file}", "-P", script).stderr.split()
+    assert answers == ["TRUE"] * len(same) + ["FALSE"] * len(other)
+
+
+def needs_our_library(program):
+    return "libtarnwick-parser.so" in run("readelf", "--dynamic", program).stdout
+
+
+def test_each_name_of_the_library_is_of_one_kind(consumers):
+    assert needs_our_library(consumers / "consumer")
+    assert not needs_our_library(consumers / "consumer-static")
 
 
 def test_a_program_finds_and_links_the_library_with_pkg_config(stage, library_directory, tmp_path):
@@ -85,6 +136,18 @@ def test_a_program_finds_and_links_the_library_with_pkg_config(stage, library_di
     run("g++", "-std=c++20", CONSUMER / "main.cpp", *flags, "-o", program)
     result = run(program, CONSUMER / "conf.d", env={"LD_LIBRARY_PATH": str(library_directory)})
     assert (result.stdout, result.stderr) == (ANSWER, RECORD)
+
+
+def test_pkg_config_names_what_the_static_library_needs(stage, library_directory, tmp_path):
+    directory = {"PKG_CONFIG_PATH": f"{library_directory}/pkgconfig"}
+    asked = ["pkg-config", "--static", "--libs-only-l", "--libs-only-other", "tarnwick-parser"]
+    others = [flag for flag in run(*asked, env=directory).stdout.split() if "tarnwick" not in flag]
+    program = tmp_path / "consumer"
+    sources = [CONSUMER / "main.cpp", library_directory / "libtarnwick-parser.a"]
+    run("g++", "-std=c++20", f"-I{stage}/usr/include", *sources, *others, "-o", program)
+    result = run(program, CONSUMER / "conf.d")
+    assert (result.stdout, result.stderr) == (ANSWER, RECORD)
+    assert others == ["-ldl", "-pthread"]
 
 
 def test_pkg_config_knows_the_version(library_directory):

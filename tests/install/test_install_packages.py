@@ -10,10 +10,8 @@ import pytest
 from install_commands import ROOT, project_version, run
 from throw_away_root import throw_away_root
 
-NAMES = ["libtarnwick-parser-dev", "libtarnwick-parser0", "tarnwick-parse-config"]
-AUTOPKGTESTS = re.findall(
-    r"^Tests: (\S+)$", (ROOT / "debian" / "tests" / "control").read_text(), flags=re.MULTILINE
-)
+NAMES = ["libtarnwick-parser-dev", "libtarnwick-parser1", "tarnwick-config", "tarnwick-parse-config"]
+AUTOPKGTESTS = re.findall(r"^Tests: (\S+)$", (ROOT / "debian" / "tests" / "control").read_text(), flags=re.MULTILINE)
 
 
 @pytest.fixture(scope="session")
@@ -73,9 +71,42 @@ def test_a_package_of_another_version_is_refused(tmp_path):
     assert "CMakeLists.txt has another version than debian/changelog" in result.stderr
 
 
+def rules(*arguments):
+    """What debian/rules would run."""
+    command = ["make", "--dry-run", "-f", "debian/rules", *arguments]
+    return run(*command, cwd=ROOT, env={"DEB_BUILD_OPTIONS": ""}).stdout
+
+
+def test_a_build_without_checks_runs_no_tests():
+    assert "ctest" in rules("override_dh_auto_test")
+    assert "ctest" not in rules("override_dh_auto_test", "DEB_BUILD_OPTIONS=nocheck")
+
+
+def test_another_build_at_another_place_makes_the_same_bytes(native, tmp_path):
+    if Path(next(iter(native.values()))).parent.parent != ROOT / "build" / "packages":
+        pytest.skip("the packages were made from another tree")
+    tree = tmp_path / "elsewhere"  # dpkg hides no path that has a blank in it
+    tree.mkdir()
+    archive = "git ls-files -z --cached --others --exclude-standard | tar -c --null -T - | tar -x -C"
+    run("sh", "-c", f'{archive} "$1"', "sh", tree, cwd=ROOT)
+    run(
+        *["sh", "-c", "umask 077 && exec dpkg-buildpackage -b -us -uc -Pnocheck"],
+        cwd=tree,
+        env={"DEB_BUILD_OPTIONS": "nocheck noautodbgsym", "TZ": "Asia/Tokyo", "LC_ALL": "C"},
+    )
+    for package in native.values():
+        assert (tmp_path / package.name).read_bytes() == package.read_bytes(), package.name
+
+
 def test_the_tool_depends_on_the_c_library_alone(native):
     depends = field(native["tarnwick-parse-config"], "Depends")
     assert [entry.split()[0] for entry in depends.split(",")] == ["libc6"]
+
+
+def test_programs_depend_on_the_library_of_the_version_that_they_were_built_with(native, tmp_path):
+    run("dpkg-deb", "--control", native["libtarnwick-parser1"], tmp_path)
+    [line] = (tmp_path / "shlibs").read_text().splitlines()
+    assert line == f"libtarnwick-parser 1 libtarnwick-parser1 (>= {project_version()})"
 
 
 def test_the_copyright_file_says_that_no_licence_has_been_chosen(machine):
@@ -94,7 +125,7 @@ def test_the_installed_tool_answers(machine):
 
 @pytest.mark.parametrize(
     "section, page",
-    [("1", "tarnwick-parse-config"), ("3", "libtarnwick-parser"), ("5", "tarnwick.conf")],
+    [("1", "tarnwick-config"), ("1", "tarnwick-parse-config"), ("3", "libtarnwick-parser"), ("5", "tarnwick.conf")],
 )
 def test_man_renders_the_page(section, page, machine):
     shown = machine.inside("man", "--pager=cat", "--warnings", section, page)
@@ -118,6 +149,11 @@ def test_zsh_finds_the_completion_of_the_installed_tool(machine):
 def test_the_packaged_tool_is_hardened(native, tmp_path):
     run("dpkg-deb", "--extract", native["tarnwick-parse-config"], tmp_path)
     run(ROOT / "scripts" / "check-hardening", tmp_path / "usr" / "bin" / "tarnwick-parse-config")
+
+
+def test_the_installed_checker_checks_the_default_directory(machine):
+    answer = machine.inside("tarnwick-config", "check", "--strict")
+    assert (answer.stdout, answer.stderr) == ("", "")
 
 
 @pytest.mark.parametrize("name", AUTOPKGTESTS)

@@ -8,7 +8,7 @@ import pytest
 
 from install_commands import ROOT, project_version, run
 
-PARTS = ["CMakeLists.txt", "docs", "scripts/build-docs", "src"]
+PARTS = ["CMakeLists.txt", "cmake", "docs", "scripts/build-docs", "src"]
 
 
 @pytest.fixture
@@ -21,25 +21,44 @@ def tree(tmp_path):
     return tmp_path
 
 
+def page_of(header):
+    """The page of a header, as Doxygen calls it."""
+    return header.rsplit("/", 1)[-1].removesuffix(".h").replace("_", "__") + "_8h_source.html"
+
+
 def first_page(tree):
     return (tree / "build" / "docs" / "index.html").read_text()
 
 
-def doxyfile_headers():
-    text = (ROOT / "docs" / "Doxyfile").read_text()
-    return set(re.findall(r"\bsrc/(\S+\.h)\b", text))
-
-
-def test_the_reference_is_made_from_the_installed_headers(stage):
+@pytest.fixture
+def installed(stage):
+    """The installed headers, by their paths inside `tarnwick`."""
     directory = stage / "usr" / "include" / "tarnwick"
-    installed = {str(path.relative_to(directory)) for path in directory.rglob("*.h")}
-    assert doxyfile_headers() == installed
+    return {str(path.relative_to(directory)) for path in directory.rglob("*.h")}
+
+
+def test_the_reference_is_made_from_the_installed_headers(installed, tree):
+    run(tree / "scripts" / "build-docs")
+    pages = {path.name for path in (tree / "build" / "docs").glob("*_8h_source.html")}
+    assert pages == {page_of(header) for header in installed}
 
 
 def test_the_reference_is_made_without_a_warning(tree):
     result = run(tree / "scripts" / "build-docs")
     assert result.stderr == ""
     assert project_version() in first_page(tree)
+
+
+def test_the_first_page_links_the_headers_and_shows_the_readme_s_program(installed, tree):
+    run(tree / "scripts" / "build-docs")
+    page = first_page(tree)
+    for header in installed - {"api.h", "vocabulary_names.h"}:
+        link = header.rpartition("/")[2].replace("_", "__").replace(".h", "_8h")
+        assert re.search(rf'href="{link}[^"]*".*{re.escape(f"tarnwick/{header}")}', page), header
+        assert list((tree / "build" / "docs").glob(f"{link}*.html"))
+    [program] = re.findall(r"<!-- program ask -->\n```cpp\n(.*?)```", (ROOT / "README.md").read_text(), flags=re.DOTALL)
+    assert program in (ROOT / "docs" / "reference.md").read_text()
+    assert 'class="fragment"' in page
 
 
 def test_the_reference_has_every_constant_of_the_vocabulary(tree):
@@ -55,8 +74,6 @@ def test_a_public_name_without_a_description_is_an_error(tree):
     header = tree / "src" / "config_writer.h"
     text = header.read_text()
     header.write_text(text.replace("private:", "    void writeNothing();\n\nprivate:"))
-    result = subprocess.run(
-        [tree / "scripts" / "build-docs"], capture_output=True, text=True, check=False
-    )
+    result = subprocess.run([tree / "scripts" / "build-docs"], capture_output=True, text=True, check=False)
     assert result.returncode != 0
     assert "writeNothing" in result.stderr

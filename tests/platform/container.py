@@ -27,7 +27,7 @@ SHARED_INSIDE = pathlib.Path("/srv/shared")
 NEEDED_PROGRAMS = [
     "systemd-nspawn", "unshare", "nsenter", "setpriv", "timeout", "systemd-run", "loginctl",
     "journalctl", "useradd", "runuser", "dbus-run-session", "dconf",
-]
+]  # fmt: skip
 
 
 class CannotBoot(Exception):
@@ -58,8 +58,13 @@ class Container:
     def run(self, *command):
         """Runs a command that must succeed and returns its standard output as text."""
         return subprocess.run(
-            self.inside(*command), env=plain_environment(), stdin=subprocess.DEVNULL,
-            capture_output=True, check=True, text=True, timeout=COMMAND_LIMIT_SECONDS,
+            self.inside(*command),
+            env=plain_environment(),
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            check=True,
+            text=True,
+            timeout=COMMAND_LIMIT_SECONDS,
         ).stdout
 
     def read(self, path):
@@ -73,8 +78,7 @@ class Container:
 def plain_environment():
     """What commands inside need of the environment; XDG_ names of the caller would mislead them."""
     environment = {
-        name: text for name, text in clean_environment().items()
-        if not name.startswith(("XDG_", "DBUS_", "LD_"))
+        name: text for name, text in clean_environment().items() if not name.startswith(("XDG_", "DBUS_", "LD_"))
     }
     return {**environment, "PATH": "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"}
 
@@ -91,7 +95,10 @@ def boot(directory, life_limit=LIFE_LIMIT_SECONDS):
 
     with notification_socket(directory / "ready") as notifications, log.open("wb") as console:
         driver = subprocess.Popen(
-            driver_command(root, shared, life_limit), stdin=subprocess.DEVNULL, stdout=console, stderr=console,
+            driver_command(root, shared, life_limit),
+            stdin=subprocess.DEVNULL,
+            stdout=console,
+            stderr=console,
             env={**plain_environment(), "NOTIFY_SOCKET": str(directory / "ready")},
             start_new_session=True,
         )
@@ -111,7 +118,7 @@ def driver_command(root, shared, life_limit):
         f"--bind-ro={TOOL}:{TOOL_INSIDE}",
         f"--bind={shared}:{SHARED_INSIDE}",
         "systemd.unit=basic.target",
-    ]
+    ]  # fmt: skip
 
 
 @contextlib.contextmanager

@@ -48,7 +48,9 @@ def reason_against_namespaces():
         return "private namespaces need unshare"
     attempt = subprocess.run(
         [*unshare_command(), "sh", "-c", "mount -t tmpfs private /run"],
-        capture_output=True, text=True, check=False,
+        capture_output=True,
+        text=True,
+        check=False,
     )
     if attempt.returncode != 0:
         return f"no private mount namespace here: {attempt.stderr.strip()}"
@@ -116,9 +118,7 @@ class Device:
 
     def environment(self):
         names = ("XDG_", "DCONF_", "DBUS_", "LD_")
-        kept = {
-            name: text for name, text in clean_environment().items() if not name.startswith(names)
-        }
+        kept = {name: text for name, text in clean_environment().items() if not name.startswith(names)}
         kept.update(HOME=str(self.homes / "root"), XDG_RUNTIME_DIR=str(self.directory / "runtime"))
         return kept
 
@@ -136,16 +136,23 @@ class Device:
         """Runs the tool to its end, behind the command `before`; bytes in `stdout` and `stderr`."""
         options.setdefault("stderr", subprocess.PIPE)
         return subprocess.run(
-            self.inside(*before, *self.tool(*arguments, env=env)), env=self.environment(),
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=RUN_LIMIT_SECONDS, check=False,
+            self.inside(*before, *self.tool(*arguments, env=env)),
+            env=self.environment(),
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            timeout=RUN_LIMIT_SECONDS,
+            check=False,
             **options,
         )
 
     def start(self, *arguments, env=None, stderr):
         """Starts the tool; the process is the tool itself, so it can be watched and killed."""
         return subprocess.Popen(
-            self.inside(*self.tool(*arguments, env=env)), env=self.environment(), stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE, stderr=stderr,
+            self.inside(*self.tool(*arguments, env=env)),
+            env=self.environment(),
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=stderr,
         )
 
 

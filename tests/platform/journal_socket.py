@@ -20,7 +20,7 @@ def fields(datagram):
         name, is_text, value = line.partition(b"=")
         if not is_text:
             (size,) = struct.unpack("<Q", rest[:8])
-            value, rest = rest[8:8 + size], rest[8 + size + 1:]
+            value, rest = rest[8 : 8 + size], rest[8 + size + 1 :]
         entry[name.decode()] = value
         datagram = rest
     return entry

@@ -63,7 +63,11 @@ def test_without_libsystemd_there_is_no_seat_user(device, ask_without):
 def test_without_libsystemd_a_journal_record_is_lost_and_nothing_else(device, ask_without):
     device.configure("[Config]", "Hostname=value", "Bad=${nothing}")
     asked = ask_without(
-        "libsystemd.so.0", "--key", "Hostname", "--user-id", "0",
+        "libsystemd.so.0",
+        "--key",
+        "Hostname",
+        "--user-id",
+        "0",
         env={"TARNWICK_LOGGING_TARGET": "systemd"},
     )
     assert (asked.returncode, asked.stdout, asked.stderr) == (0, b"value\n", b"")

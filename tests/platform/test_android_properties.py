@@ -16,7 +16,7 @@ def ask(device):
         return device.run(
             "--key", "Hostname", "--user-id", "0", *arguments,
             env={"LD_LIBRARY_PATH": str(libraries), **(env or {})},
-        )
+        )  # fmt: skip
 
     return run
 
@@ -53,11 +53,8 @@ def no_library(compile_library, tmp_path):
     return tmp_path
 
 
-@pytest.mark.parametrize(
-    "make_libraries", [no_library, library_without_the_symbol, junk_in_place_of_the_library])
-def test_without_a_usable_library_no_property_has_a_value(
-    ask, compile_library, tmp_path, make_libraries
-):
+@pytest.mark.parametrize("make_libraries", [no_library, library_without_the_symbol, junk_in_place_of_the_library])
+def test_without_a_usable_library_no_property_has_a_value(ask, compile_library, tmp_path, make_libraries):
     result = ask("ro.short", make_libraries(compile_library, tmp_path), "--log-level", "debug")
     assert (result.stdout, result.stderr, result.returncode) == (b"", failed_to_read("ro.short"), 2)
 
@@ -77,7 +74,7 @@ def opened_libraries(device, compile_library, tmp_path):
                 "LD_LIBRARY_PATH": str(libraries), "DLOPEN_LOG": str(log),
                 **preload(compile_library("dlopen_log.c", "dlopen_log.so")),
             },
-        )
+        )  # fmt: skip
         assert result.stdout == b"end\n"
         names = log.read_text().splitlines() if log.exists() else []
         return [name for name in names if name == LIBRARY]
@@ -99,6 +96,6 @@ def test_a_configuration_without_properties_never_opens_the_library(device, comp
     result = device.run(
         "--key", "Hostname", "--user-id", "0",
         env={"DLOPEN_LOG": str(log), **preload(compile_library("dlopen_log.c", "dlopen_log.so"))},
-    )
+    )  # fmt: skip
     assert result.stdout == b"plain\n"
     assert not log.exists() or LIBRARY not in log.read_text()

@@ -47,7 +47,7 @@ CONVERTED = [
     ("'${HOME} $$ $'",             b"${HOME} $$ $"),
     ("'two\\nlines'",              b"two\nlines"),
     ("' blanks around '",          b"blanks around"),
-]
+]  # fmt: skip
 
 
 @pytest.mark.parametrize(("variant", "text"), CONVERTED, ids=[variant for variant, _ in CONVERTED])
@@ -67,7 +67,7 @@ REFUSED = [
     ("@ms 'maybe'",            b"ms"),
     ("objectpath '/a'",        b"o"),
     ("signature 'as'",         b"g"),
-]
+]  # fmt: skip
 
 
 @pytest.mark.parametrize(("variant", "kind"), REFUSED, ids=[variant for variant, _ in REFUSED])
@@ -77,10 +77,7 @@ def test_a_value_of_another_type_is_warned_of_and_missing(device, home, variant,
     assert (result.stdout, result.stderr, result.returncode) == (b"", UNSUPPORTED % kind, 2)
 
 
-FAILED_TO_READ = (
-    b"DEBUG: Failed to read '/com/vexmoor/value' from dconf"
-    b" for template 'dconf:/com/vexmoor/value'\n"
-)
+FAILED_TO_READ = b"DEBUG: Failed to read '/com/vexmoor/value' from dconf for template 'dconf:/com/vexmoor/value'\n"
 
 
 def test_an_empty_string_is_as_good_as_no_value(device, home):
@@ -170,8 +167,14 @@ def test_a_command_run_without_a_dconf_read_sees_the_directory_unset(device, hom
 
 
 GENERATED = [
-    "[GeneratedConfig]", "UserId=1065", "User=amber", "Home=/", "BaseUid=1",
-    "Instance=${dconf:/com/vexmoor/value}", "[Config]", "Hostname=${INSTANCE}",
+    "[GeneratedConfig]",
+    "UserId=1065",
+    "User=amber",
+    "Home=/",
+    "BaseUid=1",
+    "Instance=${dconf:/com/vexmoor/value}",
+    "[Config]",
+    "Hostname=${INSTANCE}",
 ]
 
 

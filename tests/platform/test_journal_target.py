@@ -21,11 +21,13 @@ def test_an_entry_has_the_message_its_priority_and_the_program_s_name(device, jo
     device.configure("[Config]", "Hostname=${nothing}")
     result = ask(device)
     assert (result.stdout, result.stderr, result.returncode) == (b"", b"", 2)
-    assert journal() == [{
-        "MESSAGE": b"No such template 'nothing'",
-        "PRIORITY": b"3",
-        "SYSLOG_IDENTIFIER": b"tarnwick-parse-config",
-    }]
+    assert journal() == [
+        {
+            "MESSAGE": b"No such template 'nothing'",
+            "PRIORITY": b"3",
+            "SYSLOG_IDENTIFIER": b"tarnwick-parse-config",
+        }
+    ]
 
 
 PRIORITIES = [
@@ -33,7 +35,7 @@ PRIORITIES = [
     ("warning", "${system:exit 7}", (4, b"exit 7 exited with non-zero status: \x07")),
     ("debug",   "${env:NO_SUCH}",
      (7, b"Failed to read 'NO_SUCH' from environment variables for template 'env:NO_SUCH'")),
-]
+]  # fmt: skip
 
 
 @pytest.mark.parametrize(("level", "value", "entry"), PRIORITIES, ids=[row[0] for row in PRIORITIES])
@@ -61,7 +63,10 @@ def test_entries_come_in_the_order_of_their_records(device, journal):
     device.configure("[Config]", "Hostname=${one};${two};${three}")
     ask(device)
     assert [message for _, message in messages(journal())] == [
-        b"No such template 'one'", b"No such template 'two'", b"No such template 'three'"]
+        b"No such template 'one'",
+        b"No such template 'two'",
+        b"No such template 'three'",
+    ]
 
 
 @pytest.mark.parametrize("name", ["systemd", "SystemD"])
@@ -114,9 +119,9 @@ def test_a_message_ends_at_a_nul(device, journal):
 
 # A user id is shown as the character of its low 8 bits, so it can put any byte into a message.
 SEAT_MESSAGES = {
-    "a line feed": (0x0a, b"There is only one session on seat0, selecting UID \n as active user"),
+    "a line feed": (0x0A, b"There is only one session on seat0, selecting UID \n as active user"),
     "a NUL": (0x00, b"There is only one session on seat0, selecting UID"),
-    "invalid UTF-8": (0xc8, b"There is only one session on seat0, selecting UID \xc8 as active user"),
+    "invalid UTF-8": (0xC8, b"There is only one session on seat0, selecting UID \xc8 as active user"),
 }
 
 
@@ -130,7 +135,7 @@ def test_a_raw_character_in_the_middle_of_a_message_is_kept(device, journal, byt
     assert (result.stdout, messages(journal())) == (f"{uid}\n".encode(), [(7, message)])
 
 
-@pytest.mark.parametrize("byte", [0x20, 0x0a, 0x09, 0x00], ids=["blank", "line feed", "tab", "NUL"])
+@pytest.mark.parametrize("byte", [0x20, 0x0A, 0x09, 0x00], ids=["blank", "line feed", "tab", "NUL"])
 def test_white_space_at_the_end_of_a_message_is_dropped_on_the_way(device, journal, byte):
     uid = 1024 + byte
     device.add_account("amber", uid)
@@ -164,7 +169,8 @@ def test_without_a_journal_only_the_record_is_lost(device, lay_out, value, outpu
     assert (result.stdout, result.stderr, result.returncode) == (output, b"", status)
 
 
-# Starts the daemon, runs the command given, and lets the daemon store everything before it goes.
+# Starts the daemon, runs the command given, and lets the daemon store everything before it goes. The
+# daemon makes its sockets one after the other: it is ready once it answers at the last of them.
 WITH_DAEMON = """
 set -e
 mkdir /run/systemd/journald.conf.d
@@ -172,10 +178,7 @@ printf '[Journal]\\nStorage=volatile\\nReadKMsg=no\\nAudit=\\n' >/run/systemd/jo
 "$0" 2>/run/systemd/daemon.log &
 daemon=$!
 trap 'kill $daemon; wait $daemon || true' EXIT
-for attempt in $(seq 100); do
-    if [ -S /run/systemd/journal/socket ]; then break; fi
-    sleep 0.1
-done
+until journalctl --sync 2>/run/systemd/sync.log; do kill -0 $daemon; sleep 0.1; done
 "$@" || true
 journalctl --sync
 journalctl --directory=/run/log/journal --all --output=json SYSLOG_IDENTIFIER=tarnwick-parse-config
@@ -214,8 +217,9 @@ def test_the_real_daemon_stores_message_and_priority(device, stored_entries):
     assert {entry["_TRANSPORT"] for entry in entries} == {"journal"}
 
 
-@pytest.mark.parametrize("name", [b"\xff\x80", b"x" * 5000, "d\u00e9j\u00e0".encode()],
-                         ids=["invalid UTF-8", "long", "accents"])
+@pytest.mark.parametrize(
+    "name", [b"\xff\x80", b"x" * 5000, "d\u00e9j\u00e0".encode()], ids=["invalid UTF-8", "long", "accents"]
+)
 def test_the_real_daemon_stores_every_byte(device, stored_entries, name):
     configuration, message = template(name)
     (device.configuration / "test.conf").write_bytes(configuration)

@@ -70,8 +70,7 @@ def test_a_seat_that_becomes_readable_ends_the_wait(device, waiting_tool, tmp_pa
     tool = waiting_tool()
     device.write_seat("SESSIONS=1\nUIDS=1065\n")
     device.report_user_change(1065)
-    assert answer(tool, tmp_path) == (
-        0, b"amber\n", b"WARNING: Could not get sessions for seat0\n")
+    assert answer(tool, tmp_path) == (0, b"amber\n", b"WARNING: Could not get sessions for seat0\n")
 
 
 def test_a_change_that_gives_no_user_goes_on_waiting(device, waiting_tool, tmp_path):

@@ -7,13 +7,19 @@ The login service keeps a session that ended last in its seat file until somethi
 
 import contextlib
 import json
+import pathlib
 import subprocess
+import sys
 import time
 
 import pytest
 
 from container import SHARED_INSIDE, TOOL_INSIDE, plain_environment
 from device import hurried, is_watching, wait_until
+
+ROOT = pathlib.Path(__file__).parents[2]
+sys.path.insert(0, str(ROOT / "man"))
+from text_examples import examples_in  # noqa: E402
 
 # Above the range that accounts usually come from; the low 8 bits are the letters A, B and C.
 USERS = {"tw-amber": 45121, "tw-birch": 45122, "tw-cedar": 45123}
@@ -60,7 +66,7 @@ class Seat:
             "-p", "PAMName=login", "-p", f"User={name}",
             "-E", "XDG_SEAT=seat0", "-E", "XDG_SESSION_TYPE=tty", "-E", "XDG_SESSION_CLASS=user",
             "sleep", "infinity",
-        )
+        )  # fmt: skip
         self.wait_for_active(name)
 
     def log_out(self, name):
@@ -123,14 +129,19 @@ class Tool:
         return self.system.inside(
             "env", *assignments, TOOL_INSIDE, "--config", str(SHARED_INSIDE / "conf.d"),
             "--key", "Hostname", *arguments,
-        )
+        )  # fmt: skip
 
     def run(self, *arguments, env=None):
         """Runs the tool to its end: exit status, standard output, error stream."""
         with self.errors.open("wb") as errors:
             result = subprocess.run(
-                self.command(*arguments, env=env), env=plain_environment(), timeout=60, check=False,
-                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=errors,
+                self.command(*arguments, env=env),
+                env=plain_environment(),
+                timeout=60,
+                check=False,
+                stdin=subprocess.DEVNULL,
+                stdout=subprocess.PIPE,
+                stderr=errors,
             )
         return result.returncode, result.stdout, self.errors.read_bytes()
 
@@ -139,8 +150,11 @@ class Tool:
         """The tool in another process, at the moment when it waits for a login."""
         with self.errors.open("wb") as errors:
             process = subprocess.Popen(
-                self.command(), env=plain_environment(), stdin=subprocess.DEVNULL,
-                stdout=subprocess.PIPE, stderr=errors,
+                self.command(),
+                env=plain_environment(),
+                stdin=subprocess.DEVNULL,
+                stdout=subprocess.PIPE,
+                stderr=errors,
             )
         try:
             wait_until(lambda: any(is_watching(child) for child in children(process.pid)))
@@ -216,7 +230,8 @@ def test_the_only_session_is_taken_although_it_is_not_active(seat, tool):
     seat.log_out(AMBER)
     assert (seat.users(), seat.active()) == (uids(AMBER), None)
     assert tool.run("--log-level", "debug") == (
-        0, identity(AMBER),
+        0,
+        identity(AMBER),
         b"DEBUG: There is only one session on seat0, selecting UID A as active user\n",
     )
 
@@ -307,7 +322,10 @@ def new_entries(system):
     def read():
         system.run("journalctl", "--sync")
         lines = system.run(
-            "journalctl", "--quiet", "--output=json", f"--since=@{begin:.6f}",
+            "journalctl",
+            "--quiet",
+            "--output=json",
+            f"--since=@{begin:.6f}",
             "SYSLOG_IDENTIFIER=tarnwick-parse-config",
         ).splitlines()
         return [json.loads(line) for line in lines]
@@ -334,7 +352,8 @@ def test_records_of_the_seat_s_user_are_read_back_from_the_journal(seat, tool, n
     seat.log_in(CEDAR)
     assert tool.run("--log-level", "debug", env=TO_JOURNAL) == (0, identity(CEDAR), b"")
     assert [(entry["PRIORITY"], entry["MESSAGE"]) for entry in new_entries()] == [
-        ("7", "Active session on seat0 found for UID C")]
+        ("7", "Active session on seat0 found for UID C")
+    ]
 
 
 def test_without_the_journal_target_the_journal_gets_nothing(tool, new_entries):
@@ -351,3 +370,45 @@ def test_a_stopped_journal_costs_the_record_and_nothing_else(tool, system):
         assert tool.run("--user-id", "0", env=TO_JOURNAL) == (0, b"value\n", b"")
     finally:
         system.run("systemctl", "start", *units)
+
+
+@pytest.fixture
+def manual_units(system):
+    """The units of the manual's example, installed, with a directory for the default configuration."""
+    [example] = [
+        found
+        for found in examples_in(ROOT / "man" / "tarnwick-parse-config.1.scd")
+        if found.title == "units of systemd"
+    ]
+    units = {block.name: block.text for block in example.blocks if block.kind == "file"}
+    for name, text in units.items():
+        (system.shared / name).write_text(text)
+        system.run("cp", f"{SHARED_INSIDE}/{name}", f"/run/systemd/system/{name}")
+    system.run("mkdir", "-p", "/etc/tarnwick.conf.d")
+    system.run("systemctl", "daemon-reload")
+    yield
+    system.run("systemctl", "stop", *units)
+    system.run("rm", "-r", "/etc/tarnwick.conf.d")
+
+
+def set_data_root(system, line):
+    (system.shared / "units.conf").write_text(f"[Config]\n{line}\n")
+    system.run("cp", f"{SHARED_INSIDE}/units.conf", "/etc/tarnwick.conf.d/10-units.conf")
+
+
+def test_the_units_of_the_manual_hand_a_setting_on(manual_units, system):
+    set_data_root(system, "DataRoot=/var/tmp/two words")
+    system.run("mkdir", "-p", "/var/tmp/two words")
+    system.run("systemctl", "start", "container-usage.service")
+    system.run("journalctl", "--sync")
+    messages = system.run("journalctl", "--output=cat", "--unit=container-usage.service")
+    assert "\t/var/tmp/two words\n" in messages
+
+
+def test_the_units_of_the_manual_fail_without_a_value(manual_units, system):
+    set_data_root(system, "DataRoot=")
+    with pytest.raises(subprocess.CalledProcessError):
+        system.run("systemctl", "start", "container-usage.service")
+    show = ("systemctl", "show", "container-settings.service", "--property=ExecMainStatus", "--value")
+    assert system.run(*show) == "2\n"
+    system.run("systemctl", "reset-failed", "container-settings.service")

@@ -11,9 +11,7 @@ from support.tool import EMULATOR
 def compile_library(source, library):
     """Compiles a C or C++ file for the tool's machine to the shared object `library`; returns its path."""
     compiler = os.environ.get("TARNWICK_CC") or "gcc"
-    subprocess.run(
-        [compiler, "-shared", "-fPIC", "-Wall", "-Werror", "-o", library, source], check=True
-    )
+    subprocess.run([compiler, "-shared", "-fPIC", "-Wall", "-Werror", "-o", library, source], check=True)
     return library
 
 

@@ -316,5 +316,67 @@ TEST_F(ConfigFileReading, ReadsLongLines) {
     accepts("a=" + value + "\nb=1\n", {"|a|" + value, "|b|1"});
 }
 
+// --- Lines ---
+
+struct LineRow {
+    std::string line;
+    ConfigLine::Kind kind;
+    std::string name;
+    std::size_t offset;  // of the name in the line
+    Problem problem = Problem::UnexpectedLine;
+};
+
+TEST(ConfigLines, AreToldApartAndShowWhereTheirFaultStands) {
+    using Kind = ConfigLine::Kind;
+    const LineRow rows[] = {
+        {"# x", Kind::Comment, "", 0},
+        {"; x", Kind::Comment, "", 0},
+        {"[a b]", Kind::Group, "a b", 1},
+        {"[]", Kind::Group, "", 1},
+        {"my key =v", Kind::Entry, "my key ", 0},
+        {" k=v", Kind::Fault, " ", 0, Problem::UnexpectedLine},
+        {"\xef\xbb\xbf[a]", Kind::Fault, "\xef", 0, Problem::UnexpectedLine},
+        {"[a", Kind::Fault, "", 2, Problem::GroupNotClosed},
+        {"[", Kind::Fault, "", 1, Problem::GroupNotClosed},
+        {"[a] # x", Kind::Fault, " # x", 3, Problem::GroupNotClosed},
+        {"[a/b]", Kind::Fault, "/", 2, Problem::GroupCharacters},
+        {"key", Kind::Fault, "", 3, Problem::KeyWithoutValue},
+        {"key value", Kind::Fault, "", 3, Problem::KeyWithoutValue},
+        {"key: value", Kind::Fault, "", 3, Problem::KeyWithoutValue},
+        {"ke/y=v", Kind::Fault, "/", 2, Problem::KeyCharacters},
+    };
+    for (const LineRow& row : rows) {
+        const ConfigLine line = parseConfigLine(row.line);
+        EXPECT_EQ(line.kind, row.kind) << row.line;
+        EXPECT_EQ(line.name, row.name) << row.line;
+        EXPECT_EQ(line.problem, row.problem) << row.line;
+        if (row.kind != Kind::Comment) {
+            EXPECT_EQ(line.name.data() - row.line.data(), std::ptrdiff_t(row.offset)) << row.line;
+        }
+    }
+    EXPECT_EQ(parseConfigLine("").kind, Kind::Blank);
+    EXPECT_EQ(parseConfigLine("k=a=b ").value, "a=b ");
+}
+
+TEST_F(ConfigFileReading, TellsTheColumnsOfWhatIsAtFault) {
+    std::vector<std::string> columns;
+    const DiagnosticSink sink = [&](const Diagnostic& found) {
+        columns.push_back(std::to_string(found.place.line) + ":" +
+                          std::to_string(found.place.firstColumn) + "-" +
+                          std::to_string(found.place.lastColumn));
+    };
+    const ConfigFileIterator entry(write("[a] # x\nkey value\nke/y=v\n"), sink);
+    EXPECT_EQ(columns, (std::vector<std::string>{"1:4-7", "2:4-4", "3:3-3"}));
+}
+
+TEST_F(ConfigFileReading, TellsOnceThatAFileCannotBeRead) {
+    std::vector<Problem> problems;
+    file_.path = directory_.path("missing");
+    ConfigFileIterator entry(file_,
+                             [&](const Diagnostic& found) { problems.push_back(found.problem); });
+    ++entry;
+    EXPECT_EQ(problems, std::vector<Problem>{Problem::FileUnreadable});
+}
+
 }  // namespace
 }  // namespace Tarnwick::Parser

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "config_parser_data.h"
 #include "helpers/captured_stream.h"
 
 namespace Tarnwick::Parser {
@@ -171,6 +170,12 @@ TEST_F(ConfigParserStore, MakesAnEntryForAListThatIsAskedFor) {
     EXPECT_TRUE(parser_.hasGroup("G"));
 }
 
+TEST_F(ConfigParserStore, ShowsAListAsTheStandardVectorOfValues) {
+    parser_.appendValue("G", "K", plain("a"));
+    std::vector<ConfigValue>& list = parser_.valueList("G", "K");
+    EXPECT_EQ(list.size(), 1U);
+}
+
 TEST_F(ConfigParserStore, LetsTheListBeChanged) {
     parser_.valueList("G", "K").push_back(plain("a"));
     EXPECT_EQ(textsOf("G", "K"), (Texts{"a"}));
@@ -193,31 +198,6 @@ TEST_F(ConfigParserStore, KeepsTheFirstTextOfAVariable) {
     ConfigValue value;
     EXPECT_TRUE(parser_.parseTemplates("${HOME}", value));
     EXPECT_EQ(value.text, "/first");
-}
-
-// --- Hash of the registry ---
-
-std::uint32_t hashOf(const std::string& text) {
-    return static_cast<std::uint32_t>(std::hash<std::string>()(text));
-}
-
-TEST(KeyPairHash, MixesTheHashesOfBothNamesInThirtyTwoBits) {
-    const std::uint32_t group = hashOf("Audio");
-    const std::uint32_t key = hashOf("PerAppStreams");
-    const std::uint32_t expected = group ^ (key + 0x9e3779b9 + (group << 6) + (group >> 2));
-    EXPECT_EQ(KeyPairHash()({"Audio", "PerAppStreams"}), expected);
-}
-
-TEST(KeyPairHash, DependsOnTheOrderOfTheNames) {
-    EXPECT_NE(KeyPairHash()({"a", "b"}), KeyPairHash()({"b", "a"}));
-}
-
-TEST(KeyPairEqual, ComparesBothNames) {
-    const KeyPairEqual equal;
-    EXPECT_TRUE(equal({"a", "b"}, {"a", "b"}));
-    EXPECT_FALSE(equal({"a", "b"}, {"a", "c"}));
-    EXPECT_FALSE(equal({"a", "b"}, {"c", "b"}));
-    EXPECT_FALSE(equal({"ab", ""}, {"a", "b"}));
 }
 
 }  // namespace

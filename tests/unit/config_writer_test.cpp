@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <stdexcept>
+#include <type_traits>
+#include <vector>
 
 #include "helpers/process_state.h"
 #include "helpers/temporary_directory.h"
@@ -62,6 +65,89 @@ TEST_F(ConfigWriting, TakesALiteralForATextAndNotForABoolean) {
     const char* text = "";
     writer.writeKeyValue("Key", text);
     EXPECT_EQ(written(), "Key=\n");
+}
+
+// --- What a value may be ---
+
+template <typename T>
+concept Writable = requires(ConfigWriter& writer, T&& value) {
+    writer.writeKeyValue("Key", std::forward<T>(value));
+};
+
+enum PlainEnum { PlainOne };
+enum class ScopedEnum { One };
+struct LikeANumber {
+    operator int() const { return 5; }
+};
+struct LikeABoolean {
+    operator bool() const { return true; }
+};
+struct Testable {
+    explicit operator bool() const { return true; }
+};
+
+TEST_F(ConfigWriting, TakesTexts) {
+    static_assert(Writable<decltype("literal")>);
+    static_assert(Writable<char(&)[8]>);
+    static_assert(Writable<const char*>);
+    static_assert(Writable<char*>);
+    static_assert(Writable<std::string>);
+    static_assert(Writable<const std::string&>);
+    static_assert(Writable<std::filesystem::path>);
+    ConfigWriter writer(path_, false);
+    char array[] = "array";
+    char* pointer = array;
+    writer.writeKeyValue("Key", array);
+    writer.writeKeyValue("Key", pointer);
+    writer.writeKeyValue("Key", std::filesystem::path("/path"));
+    EXPECT_EQ(written(), "Key=array\nKey=array\nKey=/path\n");
+}
+
+TEST_F(ConfigWriting, TakesWhatStandsForABoolean) {
+    static_assert(Writable<bool>);
+    static_assert(Writable<const bool&>);
+    static_assert(Writable<std::vector<bool>::reference>);
+    static_assert(Writable<std::vector<bool>::const_reference>);
+    static_assert(Writable<std::true_type>);
+    static_assert(Writable<LikeABoolean>);
+    ConfigWriter writer(path_, false);
+    std::vector<bool> flags{true, false};
+    const std::vector<bool>& same = flags;
+    writer.writeKeyValue("Key", flags[0]);
+    writer.writeKeyValue("Key", flags[1]);
+    writer.writeKeyValue("Key", same[0]);
+    EXPECT_EQ(written(), "Key=true\nKey=false\nKey=true\n");
+}
+
+TEST_F(ConfigWriting, RefusesNumbersWhenItIsCompiled) {
+    static_assert(!Writable<int>);
+    static_assert(!Writable<int&>);
+    static_assert(!Writable<const int&>);
+    static_assert(!Writable<unsigned>);
+    static_assert(!Writable<long long>);
+    static_assert(!Writable<double>);
+    static_assert(!Writable<float>);
+    static_assert(!Writable<char>);
+    static_assert(!Writable<unsigned char>);
+    static_assert(!Writable<char32_t>);
+    static_assert(!Writable<PlainEnum>);
+    static_assert(!Writable<ScopedEnum>);
+    static_assert(!Writable<LikeANumber>);
+}
+
+TEST_F(ConfigWriting, RefusesPointersToAnythingButCharactersWhenItIsCompiled) {
+    static_assert(!Writable<void*>);
+    static_assert(!Writable<const int*>);
+    static_assert(!Writable<int(&)[3]>);
+    static_assert(!Writable<std::string*>);
+    static_assert(!Writable<const char**>);
+    static_assert(!Writable<unsigned char*>);
+    static_assert(!Writable<decltype(u8"")>);
+    static_assert(!Writable<decltype(L"")>);
+    static_assert(!Writable<void (*)()>);
+    static_assert(!Writable<void (&)()>);
+    static_assert(!Writable<int Testable::*>);
+    static_assert(!Writable<Testable>);
 }
 
 TEST_F(ConfigWriting, ThrowsForANullText) {

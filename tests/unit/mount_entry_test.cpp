@@ -23,6 +23,14 @@ private:
     Testing::CapturedLog log_;
 };
 
+TEST_F(MountEntry, TellsTheRuleThatIsBrokenWithoutLoggingIt) {
+    EXPECT_EQ(findMountFault("/a /b tmpfs rw 0 0"), "");
+    EXPECT_EQ(findMountFault("/a /b"), "Not enough parts");
+    EXPECT_EQ(findMountFault("/a /b ext4 rw 0 0"),
+              "File system type must be 'none' or 'tmpfs' instead of 'ext4'");
+    EXPECT_EQ(Testing::CapturedLog().take(), "");
+}
+
 TEST_F(MountEntry, HasAnAbsoluteOrPseudoSourceAndOneOfThreeTypes) {
     accepts("/dev/shm /dev/shm tmpfs rw 0 0");
     accepts("none /run none bind 0 0");

@@ -1,9 +1,18 @@
 // Stands in for the Android property library, which only devices have.
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
 namespace {
+
+constexpr int kPropertySize = 92;
+
+int zerosAt(const char* bytes) {
+    const auto* end =
+        std::find_if(bytes, bytes + kPropertySize, [](char byte) { return byte != 0; });
+    return static_cast<int>(end - bytes);
+}
 
 int answer(char* value, const std::string& text) {
     std::strcpy(value, text.c_str());
@@ -18,7 +27,10 @@ extern "C" int property_get(const char* name, char* value, const char* defaultVa
         return answer(value, "Model X");
     }
     if (property == "longest") {
-        return answer(value, std::string(91, 'x'));
+        return answer(value, std::string(kPropertySize - 1, 'x'));
+    }
+    if (property == "room") {
+        return answer(value, std::to_string(zerosAt(value)));
     }
     if (property == "zero") {
         answer(value, "text");

@@ -12,8 +12,27 @@
 
 #include "helpers/captured_stream.h"
 #include "helpers/child_process.h"
+#include "helpers/heap_in_use.h"
 #include "helpers/process_state.h"
 #include "helpers/temporary_directory.h"
+
+namespace {
+
+bool keepsErrno = false;
+
+}  // namespace
+
+// Takes the place of the C library's. For an account that is not there, that one clears errno; with
+// `keepsErrno` this one leaves it as it was, as other C libraries do.
+extern "C" passwd* getpwuid(uid_t uid) {
+    static const auto real = reinterpret_cast<decltype(&getpwuid)>(dlsym(RTLD_NEXT, "getpwuid"));
+    const int earlier = errno;
+    passwd* entry = real(uid);
+    if (keepsErrno) {
+        errno = earlier;
+    }
+    return entry;
+}
 
 namespace Tarnwick::Parser {
 namespace {
@@ -55,6 +74,10 @@ TEST(ResolvePath, ReturnsNothingForAPathThatIsNotThere) {
     EXPECT_EQ(resolvePath(directory.write("file", "") + "/x"), "");
 }
 
+TEST(ResolvePath, KeepsNoMemory) {
+    EXPECT_LT(Testing::heapGrowth(100, [] { (void)resolvePath("/usr/."); }), 100U);
+}
+
 // --- Password database ---
 
 std::int32_t unusedUid() {
@@ -94,9 +117,13 @@ TEST(UserInfo, LeavesEverythingAsItIsForAnUnknownUser) {
 
 TEST(UserInfo, ForgetsAnEarlierErrorBeforeItLooks) {
     const std::int32_t uid = unusedUid();
+    keepsErrno = true;
     errno = ENOTTY;
-    EXPECT_EQ(getUserInfoForUid(uid, nullptr, nullptr, nullptr), 0);
-    EXPECT_NE(errno, ENOTTY);
+    const int found = getUserInfoForUid(uid, nullptr, nullptr, nullptr);
+    const int error = errno;
+    keepsErrno = false;
+    EXPECT_EQ(found, 0);
+    EXPECT_EQ(error, 0);
 }
 
 // --- Android properties. The library is looked for once, so each test takes a new process. ---
@@ -117,6 +144,26 @@ std::string readPropertiesWith(const char* library, const std::vector<std::strin
 TEST(ReadProperty, ReturnsWhatTheLibrarySays) {
     EXPECT_EQ(readPropertiesWith(TARNWICK_PROPERTY_STAND_IN, {"model", "longest", "model"}),
               "[Model X][" + std::string(91, 'x') + "][Model X]");
+}
+
+// What is behind the array on the stack is no longer zero after this.
+[[gnu::noinline]] void fillStack() {
+    volatile char bytes[8192];
+    for (volatile char& byte : bytes) {
+        byte = 'x';
+    }
+}
+
+TEST(ReadProperty, HandsOverRoomForTheLongestPropertyFilledWithZeros) {
+    const std::string room = Testing::textFromChild([] {
+        if (dlopen(TARNWICK_PROPERTY_STAND_IN, RTLD_NOW) == nullptr) {
+            return std::string(dlerror());
+        }
+        (void)readProperty("model");  // opens the library, which needs stack too
+        fillStack();
+        return readProperty("room");
+    });
+    EXPECT_EQ(room, "92");
 }
 
 TEST(ReadProperty, ReturnsNothingForAResultOfZeroOrLess) {

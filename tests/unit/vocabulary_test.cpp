@@ -25,7 +25,20 @@ Names keysOf(const std::string& name) {
     for (const VocabularyGroup& group : vocabularyGroups()) {
         if (*group.name == name) {
             std::transform(group.keys.begin(), group.keys.end(), std::back_inserter(keys),
-                           [](const std::string* key) { return *key; });
+                           [](const VocabularyKey& key) { return *key.name; });
+        }
+    }
+    return keys;
+}
+
+/// The keys of all groups whose value is of the type.
+Names keysOf(ValueType type) {
+    Names keys;
+    for (const VocabularyGroup& group : vocabularyGroups()) {
+        for (const VocabularyKey& key : group.keys) {
+            if (key.type == type) {
+                keys.push_back(*key.name);
+            }
         }
     }
     return keys;
@@ -123,6 +136,28 @@ TEST(Vocabulary, ListsTheGeneratedKeysInTheirOrder) {
 TEST(Vocabulary, ListsTheNetworkKeysInTheirOrder) {
     EXPECT_EQ(keysOf("Network"),
               (Names{"DNSServers", "IPV4Address", "IPV4Gateway", "LinkName", "NetConfig"}));
+}
+
+TEST(Vocabulary, SaysOfWhatTypeAValueIs) {
+    EXPECT_EQ(
+        keysOf(ValueType::Boolean),
+        (Names{"AllowGrantingPrivileges", "FakeBattery", "KeepNamespaces", "KeyboardInAppWindow",
+               "UseLogcatDumper", "MountHome", "PackageReplacementAllowed", "RunVendorC2Service",
+               "SDCardFSForced", "SysMountRw", "CameraEnabled", "CrashLoggerEnabled",
+               "DialogsAsOverlays", "TextInputProtocolEnabled", "ExternalStorageEnabled",
+               "OnScreenKeyboardEnabled", "MobileDataEnabled", "SoundtriggerEnabled"}));
+    EXPECT_EQ(
+        keysOf(ValueType::Number),
+        (Names{"BufferSizeInDefault", "BufferSizeOutDeepBuffer", "BufferSizeOutDefault",
+               "BufferSizeOutFast", "BufferSizeOutVoip", "BatteryCapacity", "BaseUid", "UserId"}));
+    EXPECT_EQ(keysOf(ValueType::MountEntries), Names{"Mounts"});
+}
+
+TEST(Vocabulary, NamesTheTypes) {
+    EXPECT_EQ(valueTypeName(ValueType::Text), "text");
+    EXPECT_EQ(valueTypeName(ValueType::Boolean), "boolean");
+    EXPECT_EQ(valueTypeName(ValueType::Number), "number");
+    EXPECT_EQ(valueTypeName(ValueType::MountEntries), "mount entries");
 }
 
 TEST(Vocabulary, CallsGroupsAndKeysByTheirNames) {

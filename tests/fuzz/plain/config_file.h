@@ -13,6 +13,7 @@ struct PlainEvent {
     std::string key;
     std::string value;
     std::string message;  // not empty: the line is bad
+    unsigned line = 0;
 
     [[nodiscard]] bool isEntry() const { return message.empty(); }
 };
@@ -31,7 +32,8 @@ inline std::vector<PlainEvent> readPlainly(const std::string& path, const std::s
         const auto complain = [&](const std::string& problem) {
             events.push_back({"", "", "",
                               "ERROR: " + problem + path + " (" + static_cast<char>(number) +
-                                  "): '" + line + "'\n"});
+                                  "): '" + line + "'\n",
+                              number});
         };
         const std::size_t equals = line.find('=');
         if (line.empty() || line[0] == '#' || line[0] == ';') {
@@ -53,7 +55,7 @@ inline std::vector<PlainEvent> readPlainly(const std::string& path, const std::s
         } else if (!isName(line.substr(0, equals))) {
             complain("Key contains invalid characters in ");
         } else {
-            events.push_back({group, line.substr(0, equals), line.substr(equals + 1), ""});
+            events.push_back({group, line.substr(0, equals), line.substr(equals + 1), "", number});
         }
     }
     return events;

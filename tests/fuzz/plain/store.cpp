@@ -90,7 +90,8 @@ PlainLoading loadPlainly(PlainStore& store, const std::string& path, const std::
         loading.failed = loading.failed || !event.isEntry();
         if (event.isEntry() &&
             !storeEntry(store, {event.group, event.key}, event.value, loading.log)) {
-            loading.refused = path + ": key '" + event.key + "' of group '" + event.group + "'";
+            loading.refused = path + ":" + std::to_string(event.line) + ": key '" + event.key +
+                              "' of group '" + event.group + "'";
             return loading;
         }
     }

@@ -24,7 +24,7 @@ std::string complaintAboutKey(const PlainStore& store, const PlainKey& key);
 /// How loading files ended.
 struct PlainLoading {
     bool failed = false;
-    std::string refused;  // not empty: the file, the group and the key of a refused value
+    std::string refused;  // not empty: where a refused value stands
     std::string log;
 };
 

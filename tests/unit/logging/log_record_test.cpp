@@ -1,6 +1,7 @@
 #include "logging/log_record.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <stdexcept>
 #include <string_view>
 #include <tuple>
@@ -247,6 +248,13 @@ TEST_F(LogRecords, ShowTexts) {
     EXPECT_EQ(shown(array), "array");
     EXPECT_EQ(shown(null), "(null)");
     EXPECT_EQ(shown(std::string("a\0b\n", 4)), std::string("a\0b\n", 4));
+    EXPECT_EQ(shown(std::filesystem::path("/path")), "/path");
+}
+
+TEST_F(LogRecords, ShowAllOfAView) {
+    const std::string text("xa\0b\ny", 6);
+    EXPECT_EQ(shown(std::string_view(text).substr(1, 4)), std::string("a\0b\n", 4));
+    EXPECT_EQ(shown(std::string_view()), "");
 }
 
 TEST_F(LogRecords, ShowBooleansAsWords) {
@@ -290,12 +298,35 @@ TEST_F(LogRecords, ShowAddresses) {
     EXPECT_EQ(shown(address), expected.str());
 }
 
-// --- Lists ---
-
 template <typename T>
 concept Insertable = requires(LogRecord& record, const T& value) {
     record << value;
 };
+
+struct LikeAText {
+    operator std::string() const { return "text"; }
+    operator std::string_view() const { return "view"; }
+};
+struct DerivedText : std::string {
+    using std::string::string;
+};
+
+TEST_F(LogRecords, TakeEveryScalarUnambiguously) {
+    static_assert(Insertable<std::string_view>);
+    static_assert(Insertable<std::string>);
+    static_assert(Insertable<const char*>);
+    static_assert(Insertable<char*>);
+    static_assert(Insertable<char[8]>);
+    static_assert(Insertable<std::filesystem::path>);
+    static_assert(Insertable<bool>);
+    static_assert(Insertable<std::vector<bool>::reference>);
+    static_assert(Insertable<void*>);
+    static_assert(Insertable<int*>);
+    EXPECT_EQ(shown(LikeAText()), "text");
+    EXPECT_EQ(shown(DerivedText("text")), "text");
+}
+
+// --- Lists ---
 
 TEST_F(LogRecords, TakeListsOfTheKnownElementTypesAlone) {
     static_assert(Insertable<std::vector<int>>);

@@ -40,6 +40,26 @@ TEST_F(Loggers, NumberTheirLevelsAndTargets) {
     EXPECT_EQ(LoggerConfig::TargetFile, 3);
 }
 
+// --- Texts ---
+
+TEST_F(Loggers, TellWhichTextsAreLevels) {
+    for (const char* text : {"critical", "Debug", "0", "4", "0x3"}) {
+        EXPECT_TRUE(LoggerConfig::isLevel(text)) << text;
+    }
+    for (const char* text : {"", "5", "-1", "loud", "debug ", "3x"}) {
+        EXPECT_FALSE(LoggerConfig::isLevel(text)) << text;
+    }
+}
+
+TEST_F(Loggers, TellWhichTextsMayBeTargetsAndOpenNoFile) {
+    for (const char* text : {"systemd", "STDOUT", "stderr", "/no/such/directory/log"}) {
+        EXPECT_TRUE(LoggerConfig::isTarget(text)) << text;
+    }
+    for (const char* text : {"", "journal", "relative/log", " stderr"}) {
+        EXPECT_FALSE(LoggerConfig::isTarget(text)) << text;
+    }
+}
+
 // --- Creation and registry ---
 
 TEST_F(Loggers, BeginWithTheirLevelAndTheJournal) {
@@ -161,6 +181,33 @@ TEST_F(Loggers, TakeAnyLevelAsItIs) {
     EXPECT_FALSE(logger_->isEnabled(LoggerConfig::LogCritical));
 }
 
+template <typename Logger>
+concept TakesNullForALevel = requires(Logger& logger) {
+    logger.setLevel(0);
+}
+|| requires(Logger& logger) {
+    logger.setLevel(0L);
+}
+|| requires(Logger& logger) {
+    logger.setLevel(nullptr);
+};
+template <typename Logger, typename T>
+concept TakesAsLevel = requires(Logger& logger, const T& value) {
+    logger.setLevel(value);
+};
+
+TEST_F(Loggers, TakeNoNumberForALevelWhenTheyAreCompiled) {
+    static_assert(!TakesNullForALevel<LoggerConfig>);
+    static_assert(!TakesAsLevel<LoggerConfig, int>);
+    static_assert(!TakesAsLevel<LoggerConfig, LoggerConfig::Target>);
+    static_assert(TakesAsLevel<LoggerConfig, Level>);
+    static_assert(TakesAsLevel<LoggerConfig, char[6]>);
+    static_assert(TakesAsLevel<LoggerConfig, const char*>);
+    static_assert(TakesAsLevel<LoggerConfig, std::string>);
+    static_assert(TakesAsLevel<LoggerConfig, const ConfigParser*>);
+    static_assert(TakesAsLevel<LoggerConfig, ConfigParser*>);
+}
+
 struct LevelRow {
     std::string text;
     Level level;
@@ -217,6 +264,33 @@ TEST_F(Loggers, TakeEveryTargetThatNeedsNoPath) {
         EXPECT_TRUE(logger_->setTarget(target));
         EXPECT_EQ(logger_->target(), target);
     }
+}
+
+template <typename Logger>
+concept TakesNullForATarget = requires(Logger& logger) {
+    logger.setTarget(0);
+}
+|| requires(Logger& logger) {
+    logger.setTarget(0L);
+}
+|| requires(Logger& logger) {
+    logger.setTarget(nullptr);
+};
+template <typename Logger, typename T>
+concept TakesAsTarget = requires(Logger& logger, const T& value) {
+    logger.setTarget(value);
+};
+
+TEST_F(Loggers, TakeNoNumberForATargetWhenTheyAreCompiled) {
+    static_assert(!TakesNullForATarget<LoggerConfig>);
+    static_assert(!TakesAsTarget<LoggerConfig, int>);
+    static_assert(!TakesAsTarget<LoggerConfig, Level>);
+    static_assert(TakesAsTarget<LoggerConfig, LoggerConfig::Target>);
+    static_assert(TakesAsTarget<LoggerConfig, char[7]>);
+    static_assert(TakesAsTarget<LoggerConfig, const char*>);
+    static_assert(TakesAsTarget<LoggerConfig, std::string>);
+    static_assert(TakesAsTarget<LoggerConfig, const ConfigParser*>);
+    static_assert(TakesAsTarget<LoggerConfig, ConfigParser*>);
 }
 
 TEST_F(Loggers, RefuseAFileWithoutAPath) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "helpers/heap_in_use.h"
 #include "helpers/temporary_directory.h"
 
 namespace Tarnwick::Parser {
@@ -53,6 +54,12 @@ TEST_F(FindFiles, ExpandsPatternsInDirectoriesToo) {
     const Paths files = make({"d1/a.conf", "d2/a.conf"});
     make({"d3/a.conf"});
     EXPECT_EQ(findFiles(directory_.path("d[12]/*.conf")), files);
+}
+
+TEST_F(FindFiles, KeepsNoMemory) {
+    make({"a", "b"});
+    const std::string pattern = directory_.path("*");
+    EXPECT_LT(Testing::heapGrowth(100, [&] { (void)findFiles(pattern); }), 100U);
 }
 
 TEST_F(FindFiles, FindsNothingWhereNothingMatches) {

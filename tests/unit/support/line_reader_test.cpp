@@ -1,6 +1,8 @@
 #include "support/line_reader.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -51,6 +53,16 @@ TEST_F(LineReading, TellsALastLineWithoutALineFeed) {
     const Reading reading = read("one\ntwo");
     EXPECT_EQ(reading.lines, (Lines{"one", "two"}));
     EXPECT_EQ(reading.end, Outcome::UnterminatedLine);
+}
+
+TEST_F(LineReading, ReadsADescriptorFromWhereItStandsAndClosesIt) {
+    const int descriptor = open(directory_.write("file", "one\ntwo\n").c_str(), O_RDONLY);
+    ASSERT_EQ(lseek(descriptor, 4, SEEK_SET), 4);
+    {
+        LineReader reader(descriptor);
+        EXPECT_EQ(readAll(reader).lines, Lines{"two"});
+    }
+    EXPECT_EQ(fcntl(descriptor, F_GETFD), -1);
 }
 
 TEST_F(LineReading, FindsNothingInAnEmptyFile) {

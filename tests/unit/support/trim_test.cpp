@@ -7,6 +7,16 @@
 namespace Tarnwick::Parser {
 namespace {
 
+TEST(Trim, TakesSixCharactersForWhiteSpace) {
+    std::string spaces;
+    for (int code = 0; code < 256; ++code) {
+        if (isSpace(static_cast<char>(code))) {
+            spaces += static_cast<char>(code);
+        }
+    }
+    EXPECT_EQ(spaces, "\t\n\v\f\r ");
+}
+
 TEST(Trim, RemovesWhiteSpaceAtBothEnds) {
     EXPECT_EQ(trim("  a b  "), "a b");
     EXPECT_EQ(trim("a "), "a");
@@ -23,6 +33,15 @@ TEST(Trim, ThrowsForWhiteSpaceAlone) {
     EXPECT_THROW((void)trim(" "), std::length_error);
     EXPECT_THROW((void)trim("\n"), std::length_error);
     EXPECT_THROW((void)trim(" \t\r\n"), std::length_error);
+}
+
+TEST(Trim, SaysWhatIsWrongWithWhiteSpaceAlone) {
+    try {
+        (void)trim(" \n");
+        FAIL() << "nothing was thrown";
+    } catch (const std::length_error& error) {
+        EXPECT_STREQ(error.what(), "a text of white space alone cannot be trimmed");
+    }
 }
 
 TEST(Trim, KeepsEveryOtherByte) {

@@ -238,6 +238,38 @@ TEST_F(UserResolution, PrefersTheGeneratedUserButNotHisNameAndHome) {
     EXPECT_EQ(log_.take(), "");
 }
 
+TEST_F(UserResolution, TellsWhereEachFieldCameFrom) {
+    UserOrigins origins;
+    userId_ = 0;
+    EXPECT_EQ(resolveUser({}, &userId_, &name_, &instance_, &home_, nullptr, &origins), 0);
+    EXPECT_EQ(origins.userId, UserOrigin::Caller);
+    EXPECT_EQ(origins.instance, UserOrigin::Caller);
+    EXPECT_EQ(origins.userName, UserOrigin::PasswordDatabase);
+    EXPECT_EQ(origins.home, UserOrigin::PasswordDatabase);
+
+    writeGenerated("UserId=0\nUser=u\nHome=/h\nBaseUid=1\n");
+    EXPECT_EQ(
+        resolveUser({directory_.path()}, &userId_, &name_, &instance_, &home_, nullptr, &origins),
+        0);
+    EXPECT_EQ(origins.userId, UserOrigin::GeneratedConfig);
+    EXPECT_EQ(origins.instance, UserOrigin::GeneratedConfig);
+    EXPECT_EQ(origins.userName, UserOrigin::PasswordDatabase);
+
+    writeGenerated("UserId=" + std::to_string(unusedUid()) + "\nUser=u\nHome=/h\nBaseUid=1\n");
+    EXPECT_EQ(
+        resolveUser({directory_.path()}, &userId_, &name_, &instance_, &home_, nullptr, &origins),
+        -1);
+    EXPECT_EQ(origins.home, UserOrigin::GeneratedConfig);
+}
+
+TEST_F(UserResolution, TellsThatTheSeatNamedTheUser) {
+    login.looks = {{.active = 0}};
+    userId_ = -1;
+    UserOrigins origins;
+    EXPECT_EQ(resolveUser({}, &userId_, &name_, &instance_, &home_, nullptr, &origins), 0);
+    EXPECT_EQ(origins.userId, UserOrigin::Seat);
+}
+
 TEST_F(UserResolution, EmptiesTheInstanceWithoutAGeneratedOne) {
     writeGenerated("UserId=0\nUser=u\nHome=/h\nBaseUid=1\n");
     EXPECT_EQ(resolve(), 0);

@@ -213,13 +213,5 @@ TEST_F(CommandLine, ShowsTheNameThatTheProgramWasCalledBy) {
     EXPECT_EQ(output_.take(), kUsage);
 }
 
-TEST(Join, PutsTheSeparatorBetweenNeighbours) {
-    EXPECT_EQ(join({"a", "b", "c"}, ';'), "a;b;c");
-    EXPECT_EQ(join({"a"}, ';'), "a");
-    EXPECT_EQ(join({}, ';'), "");
-    EXPECT_EQ(join({"", "", ""}, ','), ",,");
-    EXPECT_EQ(join({"a;b", "c"}, ';'), "a;b;c");
-}
-
 }  // namespace
 }  // namespace Tarnwick::Parser::Tool

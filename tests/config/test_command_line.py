@@ -1,0 +1,100 @@
+"""The command line that all commands share."""
+
+import pathlib
+import re
+
+import pytest
+from config_helpers import in_config
+from support.tool import run_config
+
+CMAKE = (pathlib.Path(__file__).parents[2] / "CMakeLists.txt").read_bytes()
+VERSION = re.search(rb"^project\(.* VERSION (\S+)", CMAKE, flags=re.MULTILINE).group(1)
+
+
+def refusal(*arguments):
+    """What is said of a wrong use; it is never more than two lines, and never on standard output."""
+    result = run_config(*arguments)
+    assert (result.returncode, result.stdout) == (64, b"")
+    message, hint = result.stderr.decode().splitlines()
+    assert message.startswith("tarnwick-config: ")
+    assert hint.startswith("Try 'tarnwick-config") and hint.endswith("--help'.")
+    return message.removeprefix("tarnwick-config: ")
+
+
+@pytest.mark.parametrize(
+    "arguments,message",
+    [
+        ([], "A subcommand is required"),
+        (["chekc"], "there is no command 'chekc'"),
+        (["--nonsense", "check"], None),
+        (["check", "--nonsense"], None),
+        (["check", "--config"], "--config: 1 required DIR missing"),
+        (["check", "--user-id", "x"], "--user-id: x does not look like an integer."),
+        (["check", "--user-id=99999999999"], "--user-id: 99999999999 is too big/small."),
+        (["check", "--log-level", "loud"], "--log-level: 'loud' is no level"),
+        (["check", "--color=blue"], "--color: 'blue' is not auto, always or never"),
+        (["check", "--format=xml"], "--format: 'xml' is not text, json or gcc"),
+        (["files", "--format=gcc"], "--format: 'gcc' is not text or json"),
+        (
+            ["check", "--ignore=nul-byte,bad-nubmer"],
+            "--ignore: there is no id 'bad-nubmer'; did you mean 'bad-number'?",
+        ),
+    ],
+)
+def test_wrong_use_is_status_64_with_a_message_and_a_hint(arguments, message):
+    said = refusal(*arguments)
+    assert message is None or said == message
+
+
+@pytest.mark.parametrize("arguments", [["--help"], ["check", "--help"], ["--help", "check"], ["files", "--help"]])
+def test_help_is_everywhere(arguments):
+    result = run_config(*arguments)
+    assert (result.returncode, result.stderr) == (0, b"")
+    assert b"Usage: tarnwick-config" in result.stdout
+
+
+@pytest.mark.parametrize("arguments", [["--version"], ["check", "--version"]])
+def test_the_version_is_everywhere(arguments):
+    result = run_config(*arguments)
+    assert (result.returncode, result.stdout, result.stderr) == (0, b"tarnwick-config %s\n" % VERSION, b"")
+
+
+def test_context_stands_before_or_after_the_command(run):
+    files = {"d1/a.conf": in_config("Arch=$"), "d2/b.conf": "", "[d,3]/c.conf": ""}
+    expected = b"conf.d/d1/a.conf\nconf.d/d2/b.conf\nconf.d/[d,3]/c.conf\n"
+    # The tool takes a directory for a pattern, so its bracket needs a backslash.
+    lists = ["--configs=conf.d/d1:conf.d/d2", "--config", "conf.d/\\[d,3]"]
+    assert run(files, *lists, "files").stdout == expected
+    assert run(files, "files", *lists).stdout == expected
+
+
+def test_brackets_are_no_list(tmp_path):
+    result = run_config("files", "[a,b]", "--config", "[c]", cwd=tmp_path)
+    assert result.stderr.decode().splitlines() == [
+        "tarnwick-config: [c]: No such file or directory",
+        "tarnwick-config: [a,b]: No such file or directory",
+    ]
+
+
+def test_a_value_may_be_empty_or_look_like_an_option(run):
+    for arguments in (["--instance="], ["--instance", ""], ["--instance", "--strict"], ["--instance", "--config="]):
+        assert run("", "check", *arguments, "conf.d").returncode == 0, arguments
+
+
+def test_what_follows_two_dashes_is_a_path(tmp_path):
+    (tmp_path / "--strict").write_text("")
+    assert run_config("check", "--", "--strict", cwd=tmp_path).returncode == 0
+
+
+def test_a_commands_name_may_be_a_path(tmp_path):
+    (tmp_path / "files").write_text("")
+    assert run_config("check", "files", cwd=tmp_path).returncode == 0
+
+
+def test_one_argument_for_each_option(run):
+    assert run("", "--config", "conf.d", "check", "--config", "conf.d", "conf.d").returncode == 0
+
+
+def test_without_a_path_the_default_directory_is_read():
+    result = run_config("files")
+    assert result.returncode == 0 or b"/etc/tarnwick.conf.d: " in result.stderr

@@ -1,0 +1,232 @@
+"""Two builds of the tool are compared well: equal ones do not differ, and a planted difference is
+found and shrunk, whatever part of the answer it is in."""
+
+import os
+import pathlib
+import subprocess
+import sys
+from dataclasses import replace
+
+import pytest
+
+from build_cases import make_case
+from build_comparing import EXCEPTION_TEXT, Answer, Bench, Surroundings, difference
+from shrink import shrink
+from support.tool import EMULATOR, TOOL
+
+pytestmark = pytest.mark.skipif(bool(EMULATOR), reason="builds are started without the emulator")
+
+COMPARER = pathlib.Path(__file__).with_name("compare_builds")
+CASES = 100
+SAMPLE = 400
+
+MESSAGES = [
+    b"Unexpected line in ",
+    b"Could not parse line as group in ",
+    b"Group name contains invalid characters in ",
+    b"Could not parse line as key in ",
+    b"Key contains invalid characters in ",
+    b"Failed to load config from '",
+    b"Invalid configuration in ",
+    b"No configuration to read in ",
+    b"Invalid template substitution, missing '}': ",
+    b"'$' must be followed by '{' or '$': ",
+    b"No such template '",
+    b"Invalid template '",
+    b"Invalid format '",
+    b"Invalid envfile definition '",
+    b"Max depth reached, possibly circular reference.",
+    b" has not been added to the parser",
+    b" exited with non-zero status: ",
+    b"Failed to get user information for uid ",
+    b"Failed to get seat0 user: ",
+    b"from environment variables for template",
+    b"from environment file",
+    b"path for template",
+    b"from properties for template",
+    b"from dconf for template",
+    b"from system for template",
+    b"Unsupported GVariant type '",
+    b"CRITICAL: Cannot get '",
+    b"Invalid logging level '",
+    b"Invalid logging target '",
+    b"USAGE:",
+    b": unknown argument",
+    b" needs value.",
+    b"Needs at least one argument!",
+]
+
+
+def compare(*arguments):
+    command = [sys.executable, COMPARER, "--jobs", "2", *arguments]
+    return subprocess.run(command, capture_output=True, text=True, check=False, timeout=600)
+
+
+@pytest.fixture
+def other_build(tmp_path):
+    """A copy of the tool with one text in place of another of the same length."""
+
+    def make(text, replacement):
+        assert len(text) == len(replacement)
+        content = pathlib.Path(TOOL).read_bytes()
+        assert text in content
+        build = tmp_path / "other-build"
+        build.write_bytes(content.replace(text, replacement))
+        build.chmod(0o755)
+        return build
+
+    return make
+
+
+@pytest.fixture
+def wrapped_build(tmp_path):
+    """A script in whose text TOOL stands for a run of the tool, under its name."""
+
+    def make(text):
+        build = tmp_path / "wrapped-build"
+        run = f'(exec -a tarnwick-parse-config {TOOL} "$@")'
+        build.write_text("#!/bin/bash\n" + text.replace("TOOL", run) + "\n")
+        build.chmod(0o755)
+        return build
+
+    return make
+
+
+@pytest.fixture
+def bench(tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)  # and back from where the bench goes
+    return Bench(tmp_path, Surroundings(tmp_path / "surroundings"))
+
+
+def test_a_build_does_not_differ_from_itself():
+    result = compare(TOOL, TOOL, "--cases", str(CASES))
+    assert f"\n{CASES} cases, no difference: " in result.stdout, result.stdout + result.stderr
+    assert result.returncode == 0
+
+
+@pytest.mark.parametrize(
+    ("text", "replacement"),
+    [
+        (b"missing '}': ", b"missing '}'; "),
+        (b" from system for template ", b" from System for template "),
+        (b"exited with non-zero status: ", b"exited with non-zero status; "),
+        (b"Failed to load config from '", b"failed to load config from '"),
+        (b"USAGE:", b"Usage:"),
+    ],
+)
+def test_one_byte_that_differs_is_found_and_its_case_is_shrunk(other_build, text, replacement):
+    result = compare(TOOL, str(other_build(text, replacement)), "--cases", "1000", "--seed", "planted")
+    assert result.returncode == 1, result.stdout + result.stderr
+    smallest, _, whole = result.stdout.partition("before shrinking:\n")
+    assert text.decode() in smallest and replacement.decode() in smallest
+    assert len(smallest) < len(whole)
+
+
+def test_a_case_that_differs_can_be_run_alone(other_build):
+    build = str(other_build(b"No such template '", b"No such Template '"))
+    found = compare(TOOL, build, "--cases", str(CASES), "--seed", "alone").stdout
+    _, hint = found.splitlines()[:2]
+    again = compare(TOOL, build, *hint.split(": ")[1].split())
+    assert again.returncode == 1
+    assert again.stdout.splitlines()[1:] == found.splitlines()[1:]
+
+
+def test_the_text_of_an_exception_is_ignored_on_demand_alone(other_build):
+    build = str(other_build(b"white space alone", b"white space alike"))
+    numbers = ("--cases", "300", "--seed", "exceptions")
+    assert compare(TOOL, build, *numbers).returncode == 1
+    assert compare(TOOL, build, *numbers, "--ignore-exception-text").returncode == 0
+
+
+def test_nothing_else_of_a_critical_record_is_ignored(other_build):
+    build = str(other_build(b"Cannot get '", b"Cannot Get '"))
+    result = compare(TOOL, build, "--cases", "300", "--seed", "exceptions", "--ignore-exception-text")
+    assert result.returncode == 1
+
+
+def test_the_text_of_an_exception_ends_with_its_line():
+    text = b"CRITICAL: Cannot get 'A/K': text: 'more'\nERROR: after\n"
+    assert EXCEPTION_TEXT.sub(rb"\1", text) == b"CRITICAL: Cannot get 'A/K': \nERROR: after\n"
+
+
+def test_an_exit_status_that_differs_is_found(wrapped_build):
+    build = wrapped_build("TOOL\nstatus=$?\n[ $status -ne 2 ] && exit $status\nexit 3")
+    result = compare(TOOL, str(build), "--cases", str(CASES))
+    assert result.returncode == 1
+    assert "first:  Answer(status=2, " in result.stdout
+    assert "second: Answer(status=3, " in result.stdout
+
+
+@pytest.fixture
+def case():
+    """One case that the tests fill with what they need."""
+    case = replace(make_case("tarnwick:1"), files={}, links={}, environment={}, one_stream=False)
+    case.arguments = [b"--user-id", b"0", b"--config", b"d1", b"--key", b"K", b"--log-level", b"debug"]
+    return case
+
+
+def test_records_keep_their_place_among_what_commands_write(bench, case):
+    case.files = {b"d1/a.conf": b"[Config]\nK=${NOPE};${system:echo told >&2}$;${NOPE}\n"}
+    nope = b"ERROR: No such template 'NOPE'\n"
+    dollar = b"ERROR: '$' must be followed by '{' or '$': ${system:echo told >&2}$\n"
+    assert bench.answers(case, [TOOL]) == [Answer(2, b"", nope + b"told\n" + dollar + nope, None)]
+
+
+def test_what_a_command_adds_to_the_log_file_counts(bench, case):
+    case.files = {b"d1/a.conf": b"[Config]\nK=${NOPE};${system:echo told >>log}\n"}
+    case.environment = {b"TARNWICK_LOGGING_TARGET": b"{root}/log"}
+    assert bench.answers(case, [TOOL]) == [Answer(2, b"", b"", b"ERROR: No such template 'NOPE'\ntold\n")]
+
+
+def test_output_and_errors_in_one_stream_keep_their_order(bench, case):
+    case.files = {b"d1/a.conf": b"[Config]\nK=${env:NONE};v\n"}
+    case.one_stream = True
+    record = b"DEBUG: Failed to read 'NONE' from environment variables for template 'env:NONE'\n"
+    assert bench.answers(case, [TOOL]) == [Answer(0, record + b"v\n", b"", None)]
+
+
+def test_nothing_of_a_case_is_left_for_the_next(bench, case):
+    case.files = {b"d1/a.conf": b"[Config]\nK=v\n", b"d1/b.conf": None}
+    case.links = {b"d2/c.conf": b"nowhere"}
+    bench.answers(case, [TOOL])
+    other = replace(case, files={b"d1/c.conf": b"[Config]\nK=w\n"}, links={})
+    assert bench.answers(other, [TOOL]) == [Answer(0, b"w\n", b"", None)]
+
+
+def test_a_build_that_hangs_differs(bench, case, wrapped_build, monkeypatch):
+    monkeypatch.setattr("build_comparing.TIME_LIMIT_SECONDS", 1)
+    first, second = bench.answers(case, [TOOL, str(wrapped_build("sleep 1000"))])
+    assert (first.status, second.status) == (1, -9)
+    assert difference([first, second])
+
+
+def test_arguments_are_shrunk_too():
+    case = make_case("tarnwick:1")
+    assert shrink(case, lambda smaller: b"--key" in smaller.arguments).arguments == [b"--key"]
+
+
+def test_a_seed_always_gives_the_same_case():
+    assert make_case("x:1") == make_case("x:1")
+    assert make_case("x:1") != make_case("x:2")
+
+
+@pytest.fixture(scope="module")
+def sample(tmp_path_factory):
+    """Some cases with the tool's answers."""
+    directory = tmp_path_factory.mktemp("sample")
+    before = os.getcwd()
+    bench = Bench(directory, Surroundings(directory / "surroundings"))
+    cases = [make_case(f"tarnwick:{number}") for number in range(SAMPLE)]
+    yield [(case, bench.answers(case, [TOOL])[0]) for case in cases]
+    os.chdir(before)
+
+
+@pytest.mark.parametrize("message", MESSAGES)
+def test_every_message_is_provoked(sample, message):
+    assert any(message in answer.output + answer.errors + (answer.log or b"") for _, answer in sample)
+
+
+def test_every_exit_status_is_provoked_often(sample):
+    statuses = [answer.status for _, answer in sample]
+    assert set(statuses) == {0, 1, 2}
+    assert all(statuses.count(status) > SAMPLE // 20 for status in (0, 1, 2))

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+namespace Tarnwick::Parser::ConfigTool {
+
+struct Context;
+
+/// Declares the options that every command has.
+void addContextOptions(CLI::App& app, Context& context);
+
+/// Declares an option with one value, which is applied where it stands.
+void addOption(CLI::App& app, const std::string& name, const char* type, const char* help,
+               const std::function<void(const std::string& text)>& apply);
+
+/// Declares the operands of a command, such as PATH. Their texts come out as they were typed.
+CLI::Option* addOperands(CLI::App& app, const char* name, std::vector<std::string>& operands,
+                         const char* help);
+
+/// Parses the arguments of `main`. Throws `CLI::ParseError`.
+void parseArguments(CLI::App& app, int count, const char* const* arguments);
+
+}  // namespace Tarnwick::Parser::ConfigTool

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace Tarnwick::Parser::ConfigTool {
+
+/// Returns "; did you mean 'NAME'?" with the name of the list that is nearest to `name`, or
+/// nothing when none is near. Letter case counts less than letters do.
+[[nodiscard]] std::string suggestion(std::string_view name,
+                                     const std::vector<std::string_view>& names);
+
+/// The groups and keys that a reader knows: the vocabulary, the group of the loggers, and names of
+/// one's own.
+class KnownNames {
+public:
+    KnownNames();
+
+    /// Adds GROUP, with all keys it may have, or GROUP/KEY.
+    void add(const std::string& name);
+
+    [[nodiscard]] bool hasGroup(const std::string& group) const { return groups_.contains(group); }
+    [[nodiscard]] bool hasKey(const std::string& group, const std::string& key) const;
+
+    [[nodiscard]] std::vector<std::string_view> groups() const;
+    [[nodiscard]] std::vector<std::string_view> keys(const std::string& group) const;
+
+private:
+    struct Group {
+        bool hasEveryKey = false;
+        std::unordered_set<std::string> keys;
+    };
+    std::unordered_map<std::string, Group> groups_;
+};
+
+}  // namespace Tarnwick::Parser::ConfigTool

@@ -1,0 +1,319 @@
+#include "config/check/value_checker.h"
+
+#include <algorithm>
+#include <array>
+
+#include "active_user.h"
+#include "config/display.h"
+#include "logging/logger_config.h"
+#include "logging/logger_state.h"
+#include "mount_entry.h"
+#include "support/split_string.h"
+#include "support/trim.h"
+#include "support/value_conversion.h"
+#include "template_expander.h"
+#include "template_variables.h"
+#include "vocabulary.h"
+
+namespace Tarnwick::Parser::ConfigTool {
+namespace {
+
+using Kind = TemplateToken::Kind;
+
+// --- A word in place of every source and variable ---
+
+constexpr const char* kWord = "x";
+
+std::optional<std::string> readWord(const TemplateToken&, std::int32_t) {
+    return kWord;
+}
+
+constexpr SourceReaders kWords{readWord, readWord, readWord, readWord, readWord, readWord};
+
+std::map<std::string, std::string> wordsOfVariables() {
+    std::map<std::string, std::string> words;
+    for (const Tool::TemplateVariable& variable : Tool::templateVariables()) {
+        words.emplace(variable.name, kWord);
+    }
+    return words;
+}
+
+std::string suggestedVariable(std::string_view name) {
+    std::vector<std::string_view> names;
+    for (const Tool::TemplateVariable& variable : Tool::templateVariables()) {
+        names.push_back(variable.name);
+    }
+    return suggestion(name, names);
+}
+
+std::string suggestedSource(std::string_view name) {
+    return suggestion(name, {templateSourceNames().begin(), templateSourceNames().end()});
+}
+
+bool isGeneratedUserKey(const Entry& entry) {
+    const auto keys = Tool::generatedUserKeys();
+    return entry.group == kGroupGeneratedConfig &&
+           std::any_of(keys.begin(), keys.end(),
+                       [&](const std::string* key) { return *key == entry.key; });
+}
+
+// --- Texts without templates that somebody reads ---
+
+using Complaint = std::optional<std::string>;
+
+Complaint complainOfNumber(const std::string& text) {
+    bool isNumber = false;
+    (void)parseInt(text, &isNumber);
+    return isNumber ? Complaint() : shortened(text);
+}
+
+Complaint complainOfMount(const std::string& text) {
+    const std::string fault = findMountFault(text);
+    return fault.empty() ? Complaint() : shortened(fault);
+}
+
+Complaint complainOfLevel(const std::string& text) {
+    return Logging::LoggerConfig::isLevel(text) ? Complaint() : shortened(text);
+}
+
+Complaint complainOfTarget(const std::string& text) {
+    return Logging::LoggerConfig::isTarget(text) ? Complaint() : shortened(text);
+}
+
+struct TypeRow {
+    RuleId rule;
+    bool (*isOf)(const Entry& entry);
+    Complaint (*complain)(const std::string& text);
+};
+constexpr std::array kTypes{
+    TypeRow{RuleId::BadNumber,
+            [](const Entry& entry) {
+                return entry.group == kGroupGeneratedConfig &&
+                       (entry.key == kKeyBaseUid || entry.key == kKeyUserId);
+            },
+            complainOfNumber},
+    TypeRow{
+        RuleId::MountEntry,
+        [](const Entry& entry) { return entry.group == kGroupConfig && entry.key == kKeyMounts; },
+        complainOfMount},
+    TypeRow{RuleId::LoggingTarget,
+            [](const Entry& entry) {
+                return entry.group == Logging::kLoggingGroup && entry.key == Logging::kTargetKey;
+            },
+            complainOfTarget},
+    TypeRow{RuleId::LoggingLevel,
+            [](const Entry& entry) {
+                return entry.group == Logging::kLoggingGroup && entry.key != Logging::kTargetKey;
+            },
+            complainOfLevel},
+};
+
+// --- White space ---
+
+std::string_view withoutSpace(std::string_view text) {
+    const auto first = std::find_if_not(text.begin(), text.end(), isSpace);
+    const auto last = std::find_if_not(text.rbegin(), std::make_reverse_iterator(first), isSpace);
+    return {first, last.base()};
+}
+
+}  // namespace
+
+ValueChecker::ValueChecker(ReferenceGraph& graph, const FaultSink& sink)
+    : graph_(graph), sink_(sink), variables_(wordsOfVariables()) {}
+
+void ValueChecker::check(const Entry& entry) {
+    line_.reset();
+    hasComment_ = false;
+    if (entry.value.empty()) {
+        graph_.unset(entry.group, entry.key);
+        return;
+    }
+    checkQuotes(entry);
+    std::string_view rest = entry.value;
+    for (std::string_view piece; takePiece(rest, ';', piece);) {
+        if (!piece.empty()) {
+            checkPiece(entry, piece);
+        }
+    }
+}
+
+void ValueChecker::checkQuotes(const Entry& entry) {
+    const std::string_view text = withoutSpace(entry.value);
+    const bool isQuoted = text.size() > 1 && text.front() == text.back() &&
+                          (text.front() == '"' || text.front() == '\'');
+    if (isQuoted) {
+        report(RuleId::QuotedValue, entry, spanOf(text, entry.line.text));
+    }
+}
+
+void ValueChecker::checkPiece(const Entry& entry, std::string_view text) {
+    Piece piece{.text = text, .first = spanOf(text, entry.line.text).first, .references = {}};
+    readTemplates(entry, piece);
+    if (!piece.isFaulty) {
+        store(entry, piece);
+    }
+}
+
+void ValueChecker::readTemplates(const Entry& entry, Piece& piece) {
+    TemplateCursor cursor(piece.text);
+    for (TemplateToken token; cursor.next(token);) {
+        takeToken(entry, piece, token);
+    }
+}
+
+void ValueChecker::takeToken(const Entry& entry, Piece& piece, const TemplateToken& token) {
+    piece.hasTemplates = piece.hasTemplates || token.kind != Kind::Literal;
+    if (token.kind != Kind::Reference && !piece.hasText) {
+        piece.hasText = true;
+        piece.beginsWithSpace = token.kind == Kind::Literal && isSpace(token.text.front());
+    }
+    switch (token.kind) {
+        case Kind::Literal:
+            checkComment(entry, piece, token);
+            break;
+        case Kind::Variable:
+            takeVariable(entry, piece, token);
+            break;
+        case Kind::Source:
+            piece.lastWord = token.end;
+            break;
+        case Kind::Reference:
+            piece.references.push_back(
+                {token.group, token.key, {piece.first + token.first, piece.first + token.end}});
+            break;
+        case Kind::Fault:
+            takeFault(entry, piece, token);
+            break;
+    }
+}
+
+void ValueChecker::takeVariable(const Entry& entry, Piece& piece, const TemplateToken& token) {
+    const Span span{piece.first + token.first, piece.first + token.end};
+    if (!variables_.contains(std::string(token.name))) {
+        piece.isFaulty = true;
+        Fault fault = makeFault(RuleId::UnknownVariable, entry.line, span, shortened(token.name));
+        fault.message += suggestedVariable(token.name);
+        sink_(fault);
+        return;
+    }
+    piece.lastWord = token.end;
+    if (isGeneratedUserKey(entry)) {
+        report(RuleId::GeneratedTemplate, entry, span, entry.key);
+    }
+}
+
+void ValueChecker::takeFault(const Entry& entry, Piece& piece, const TemplateToken& token) {
+    piece.isFaulty = true;
+    const Span span{piece.first + token.first, piece.first + token.end};
+    switch (token.problem) {
+        case Problem::TemplateDollar:
+            report(RuleId::TemplateDollar, entry, span);
+            break;
+        case Problem::TemplateNotClosed: {
+            const std::string_view behind = entry.line.text.substr(span.end);
+            const bool isCut = behind.find('}') != behind.npos;
+            reportWithHint(RuleId::TemplateNotClosed, entry, {span.end, span.end}, {},
+                           isCut ? "a ';' ends the value, inside braces too" : "");
+            break;
+        }
+        case Problem::UnknownSource: {
+            const std::string_view source = token.name.substr(0, token.name.find(':'));
+            Fault fault = makeFault(RuleId::UnknownSource, entry.line, span, shortened(source));
+            fault.message += suggestedSource(source);
+            sink_(fault);
+            break;
+        }
+        case Problem::ReferenceForm:
+            report(RuleId::ReferenceForm, entry, span, shortened(token.argument));
+            break;
+        default:
+            report(RuleId::EnvironmentFileForm, entry, span, shortened(token.argument));
+            break;
+    }
+}
+
+void ValueChecker::checkComment(const Entry& entry, const Piece& piece,
+                                const TemplateToken& literal) {
+    for (std::size_t from = 1; !hasComment_;) {
+        const std::size_t mark = literal.text.find('#', from);
+        if (mark == literal.text.npos) {
+            return;
+        }
+        const char before = literal.text[mark - 1];
+        if (before == ' ' || before == '\t') {
+            hasComment_ = true;
+            const std::size_t first = piece.first + literal.first + mark;
+            report(RuleId::CommentInValue, entry, {first, first + 1});
+        }
+        from = mark + 1;
+    }
+}
+
+void ValueChecker::store(const Entry& entry, const Piece& piece) {
+    ConfigValue value;
+    try {
+        const DiagnosticSink nobody = [](const Diagnostic&) {};
+        if (!TemplateExpander({variables_, -1, kWords}, nobody).expand(piece.text, value)) {
+            return;
+        }
+    } catch (const BlankText&) {
+        const bool hasReturn = piece.text.find('\r') != piece.text.npos;
+        reportWithHint(RuleId::BlankValue, entry, {piece.first, piece.first + piece.text.size()},
+                       piece.references.empty() ? "white space" : "white space and references",
+                       hasReturn ? ruleOf(RuleId::CarriageReturn).hint : "");
+        return;
+    }
+    keep(entry, piece, value);
+    if (piece.hasTemplates) {
+        return;
+    }
+    for (const TypeRow& row : kTypes) {
+        const Complaint complaint = row.isOf(entry) ? row.complain(value.text) : std::nullopt;
+        if (complaint) {
+            report(row.rule, entry, spanOf(withoutSpace(piece.text), entry.line.text), *complaint);
+        }
+    }
+}
+
+void ValueChecker::keep(const Entry& entry, const Piece& piece, const ConfigValue& value) {
+    if (!entry.isOfKnownGroup) {
+        return;
+    }
+    if (piece.references.empty()) {
+        graph_.addPlain(entry.group, entry.key);
+        return;
+    }
+    if (!line_) {
+        line_ = std::make_shared<const KeptLine>(
+            KeptLine{entry.line.path, entry.line.number, std::string(entry.line.text)});
+    }
+    graph_.add(entry.group, entry.key, line_, piece.references, shiftOf(piece, value));
+}
+
+// White space trimmed in front is not subtracted from the positions of references. A position past
+// the end makes the resolution fail; a word of unknown length behind it may still prevent that.
+std::optional<Shift> ValueChecker::shiftOf(const Piece& piece, const ConfigValue& value) {
+    const std::vector<std::uint32_t>& positions = value.references->positions;
+    for (std::size_t index = 0; index < positions.size(); ++index) {
+        const bool hasWordBehind = piece.first + piece.lastWord > piece.references[index].span.end;
+        if (positions[index] > value.text.size() && !hasWordBehind) {
+            return Shift{Severity::Error, index};
+        }
+    }
+    return piece.beginsWithSpace ? std::optional(Shift{Severity::Warning, 0}) : std::nullopt;
+}
+
+void ValueChecker::report(RuleId rule, const Entry& entry, Span span, std::string_view name) {
+    sink_(makeFault(rule, entry.line, span, name));
+}
+
+void ValueChecker::reportWithHint(RuleId rule, const Entry& entry, Span span, std::string_view name,
+                                  std::string_view hint) {
+    Fault fault = makeFault(rule, entry.line, span, name);
+    if (!hint.empty()) {
+        fault.hint = hint;
+    }
+    sink_(fault);
+}
+
+}  // namespace Tarnwick::Parser::ConfigTool

@@ -1,0 +1,15 @@
+#include <array>
+
+#include "config/command.h"
+
+namespace Tarnwick::Parser::ConfigTool {
+
+std::span<const Command> commands() {
+    static constexpr std::array kCommands{
+        Command{"check", "Find every fault in files, running and reading nothing else", addCheck},
+        Command{"files", "List the files that are read, in order", addFiles},
+    };
+    return kCommands;
+}
+
+}  // namespace Tarnwick::Parser::ConfigTool

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+
+namespace Tarnwick::Parser::ConfigTool {
+
+/// An object whose members stay in their order.
+using Json = nlohmann::ordered_json;
+
+/// Sets `object[name]` to the text. When the text is no UTF-8, what is none becomes U+FFFD, and
+/// `object[name + "Base64"]` has its bytes.
+void setText(Json& object, const std::string& name, std::string_view text);
+
+/// Returns the value on one line, in ASCII.
+[[nodiscard]] std::string printed(const Json& value);
+
+}  // namespace Tarnwick::Parser::ConfigTool

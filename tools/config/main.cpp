@@ -1,0 +1,116 @@
+// tarnwick-config: answers what people ask who write, ship and debug configuration.
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <utility>
+#include <vector>
+
+#include "config/arguments.h"
+#include "config/command.h"
+#include "config/display.h"
+#include "process_setup.h"
+
+namespace Tarnwick::Parser::ConfigTool {
+
+bool Context::hasColor() const {
+    if (color != Color::Auto) {
+        return color == Color::Always;
+    }
+    const char* refusal = std::getenv("NO_COLOR");
+    return isatty(STDOUT_FILENO) == 1 && (refusal == nullptr || *refusal == '\0');
+}
+
+namespace {
+
+constexpr const char* kName = "tarnwick-config";
+
+int printText(const std::string& text) {
+    std::cout << text << std::flush;
+    return std::cout.good() ? ExitSuccess : ExitUnavailable;
+}
+
+// Without a command the first word is what was taken for one.
+std::string problemOf(const CLI::App& app, const CLI::ParseError& error) {
+    const std::vector<std::string> words = app.remaining();
+    if (!app.get_subcommands().empty() || words.empty()) {
+        return error.what();
+    }
+    const bool isOption = words.front().starts_with('-');
+    return (isOption ? "there is no option '" : "there is no command '") + words.front() + "'";
+}
+
+int refuse(const CLI::App& app, const CLI::ParseError& error) {
+    const std::vector<CLI::App*> chosen = app.get_subcommands();
+    std::cerr << kName << ": " << escaped(problemOf(app, error)) << "\nTry '" << kName
+              << (chosen.empty() ? "" : ' ' + chosen.front()->get_name()) << " --help'.\n";
+    return ExitUsage;
+}
+
+/// The command line: what every command has, and the commands.
+class CommandLine {
+public:
+    CommandLine() {
+        app_.set_help_flag("--help", "Print this help and exit");
+        app_.set_version_flag("--version", std::string(kName) + " " TARNWICK_VERSION,
+                              "Print the version and exit");
+        addContextOptions(app_, context_);
+        app_.require_subcommand(1);
+        for (const Command& command : commands()) {
+            CLI::App* added = app_.add_subcommand(command.name, command.summary)->fallthrough();
+            runs_.emplace_back(added, command.add(*added));
+        }
+    }
+
+    [[nodiscard]] int run(int count, const char* const* arguments) {
+        try {
+            parseArguments(app_, count, arguments);
+        } catch (const CLI::CallForHelp&) {
+            return printText(app_.help());
+        } catch (const CLI::CallForVersion& version) {
+            return printText(std::string(version.what()) + '\n');
+        } catch (const CLI::ParseError& error) {
+            return refuse(app_, error);
+        }
+        return runChosen();
+    }
+
+private:
+    [[nodiscard]] int runChosen() const {
+        for (const auto& [command, run] : runs_) {
+            if (command->parsed()) {
+                return run(context_);
+            }
+        }
+        return ExitUsage;
+    }
+
+    CLI::App app_{"Checks and explains Tarnwick configuration.", kName};
+    Context context_;
+    std::vector<std::pair<CLI::App*, Run>> runs_;
+};
+
+int runOrReport(int count, const char* const* arguments) {
+    try {
+        return CommandLine().run(count, arguments);
+    } catch (const std::exception& error) {
+        std::cerr << kName << ": " << escaped(error.what()) << '\n';
+        return ExitUnavailable;
+    }
+}
+
+}  // namespace
+}  // namespace Tarnwick::Parser::ConfigTool
+
+int main(int count, char** arguments) {
+    Tarnwick::Parser::Tool::prepareProcess();
+    std::ios::sync_with_stdio(false);
+    try {
+        return Tarnwick::Parser::ConfigTool::runOrReport(count, arguments);
+    } catch (...) {  // Nothing aborts: not even for want of memory to say so.
+        return Tarnwick::Parser::ConfigTool::ExitUnavailable;
+    }
+}
