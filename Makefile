@@ -2,7 +2,7 @@
 # debian/control. When all of them are installed, it needs neither root nor the network for that.
 
 .PHONY: help run test test-platform check bench fuzz coverage docs package bare test-arm64 test-armhf clean
-.PHONY: deps-build deps-test deps-check deps-package deps-bare build-release build-dev
+.PHONY: test-boot boot-shell deps-build deps-test deps-check deps-package deps-bare build-release build-dev
 
 help:
 	@sed -n 's|^\([a-z0-9 -]*\):[^#]*## |  make \1\t|p' Makefile | expand -t 32
@@ -40,6 +40,13 @@ bare: deps-bare  ## make GOAL (test) of the last commit on a minimal Debian; nee
 
 test-arm64 test-armhf: test-%:  ## build for ARM, and run the tests under emulation
 	scripts/test-arm $*
+
+test-boot:  ## prove the packages on a booted ARM machine, ARCH=arm64 or armhf
+	scripts/test-boot $(or $(ARCH),arm64)
+
+boot-shell:  ## look around in that machine by hand
+	scripts/make-boot-machine $(or $(ARCH),arm64)
+	scripts/run-boot-machine $(or $(ARCH),arm64)
 
 clean:  ## remove everything that was built
 	rm -rf build

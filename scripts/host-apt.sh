@@ -12,3 +12,8 @@ host_apt_sources() {
 
 # This machine's settings for fetching packages (proxies, certificates, checks), as apt.conf text.
 host_apt_settings() { apt-config dump | grep '^Acquire::' | grep -v '^Acquire::IndexTargets'; }
+
+# Not every mirror keeps every index of a rarely asked architecture in step. With these options of
+# mmdebstrap what cannot be fetched is left out; a package that is then missing still stops it.
+# shellcheck disable=SC2016,SC2034 # expanded by mmdebstrap's shell; used where this file is sourced
+tolerant_update=(--skip=update --setup-hook='APT_CONFIG="$MMDEBSTRAP_APT_CONFIG" apt-get update || true')

@@ -1,0 +1,2 @@
+# On the serial console a pager would only wait for a key.
+export SYSTEMD_PAGER=cat
