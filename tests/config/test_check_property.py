@@ -4,6 +4,7 @@ fails or costs a record of the level error, whatever the sources answer, and non
 The cases are those of the differential tests, with every source changed to one that has a word.
 
 TARNWICK_CHECK_CASES   how many cases of `make test` (default 300)
+TARNWICK_CHECK_SLOW_CASES   how many with the slow ones (default 2000)
 TARNWICK_CHECK_ONLY    the number of the only case to run
 """
 
@@ -23,7 +24,7 @@ from comparing import describe, write_case  # noqa: E402
 from generator import make_case  # noqa: E402
 
 CASES = int(os.environ.get("TARNWICK_CHECK_CASES", "300"))
-SLOW_CASES = 20000
+SLOW_CASES = int(os.environ.get("TARNWICK_CHECK_SLOW_CASES", "2000"))
 ONLY = os.environ.get("TARNWICK_CHECK_ONLY")
 BLOCKS = 10
 

@@ -8,7 +8,6 @@ import pytest
 from install_commands import ROOT, project_version, run
 
 CONSUMER = ROOT / "tests" / "install" / "consumer"
-GENERATOR = ROOT / "examples" / "generator"
 GENERATOR_TESTS = ROOT / "tests" / "generator"
 
 HEADERS = [
@@ -161,13 +160,14 @@ def test_pkg_config_knows_the_version(library_directory):
     assert version == project_version() + "\n"
 
 
-def test_the_example_generator_builds_alone_and_passes_its_tests(stage, tmp_path):
-    build = tmp_path / "examples" / "generator"
-    configure = ["cmake", "-G", "Ninja", "-S", GENERATOR, "-B", build]
-    run(*configure, f"-DCMAKE_PREFIX_PATH={stage}/usr")
-    run("cmake", "--build", build)
-    linked = run("ldd", build / "example-generator").stdout
-    assert f"{stage}/usr/lib" in linked
+def test_the_example_programs_build_alone_and_pass_their_tests(stage, tmp_path):
+    for name in ["generator", "origins"]:
+        build = tmp_path / "examples" / name
+        configure = ["cmake", "-G", "Ninja", "-S", ROOT / "examples" / name, "-B", build]
+        run(*configure, f"-DCMAKE_PREFIX_PATH={stage}/usr")
+        run("cmake", "--build", build)
+        linked = run("ldd", build / f"example-{name}").stdout
+        assert f"{stage}/usr/lib" in linked
     run(
         *[sys.executable, "-m", "pytest", "-q", "-p", "no:cacheprovider", GENERATOR_TESTS],
         env={
