@@ -40,9 +40,10 @@ def test_cmake_finds_the_library_below_the_prefix(staged, tmp_path_factory):
     assert run(build / "consumer", CONSUMER / "conf.d").stdout == "2\n"
 
 
-def test_the_completion_for_zsh_is_where_zsh_looks_below_the_prefix(staged):
-    completion = "opt/elsewhere/share/zsh/site-functions/_tarnwick-parse-config"
-    assert [file for file in files_below(staged) if "zsh" in file] == [completion]
+def test_the_completions_for_zsh_are_where_zsh_looks_below_the_prefix(staged):
+    directory = "opt/elsewhere/share/zsh/site-functions"
+    completions = [f"{directory}/_tarnwick-config", f"{directory}/_tarnwick-parse-config"]
+    assert [file for file in files_below(staged) if "zsh" in file] == completions
 
 
 def test_uninstalling_removes_all_files_and_the_projects_directories(staged):
