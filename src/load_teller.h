@@ -14,7 +14,7 @@
 namespace Tarnwick::Parser {
 
 /// Tells a listener what happens, and knows the place of it. Without a listener every operation
-/// does nothing, so that a load that nobody hears costs no more than a few tests of a pointer.
+/// does nothing, so that a load that nobody hears costs no more than a few tests of a flag.
 class LoadTeller {
 public:
     /// The listener, which may be empty, has to outlive the teller, and so has all that is told.
