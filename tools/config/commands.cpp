@@ -8,6 +8,7 @@ std::span<const Command> commands() {
     static constexpr std::array kCommands{
         Command{"check", "Find every fault in files, running and reading nothing else", addCheck},
         Command{"files", "List the files that are read, in order", addFiles},
+        Command{"get", "Print values, many keys from one load", addGet},
     };
     return kCommands;
 }
