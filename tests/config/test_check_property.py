@@ -32,25 +32,29 @@ ONLY = os.environ.get("TARNWICK_CHECK_ONLY")
 BLOCKS = 100
 PROCESSES = len(os.sched_getaffinity(0))
 
-WORDS = {"CHECK_WORD": "word"}
+# Longer than white space that is trimmed, so that it is never for want of a longer word that a
+# position lies past the end.
+WORD = "word" * 20
+WORDS = {"CHECK_WORD": WORD}
+VARIABLES = re.compile(rb"\$\{(?:HOME|USER|USER_ID|ODM_DIR)\}")
 SOURCES = re.compile(rb"\$\{(?:env|realpath|dconf|prop|system|envfile:[^:;}\n]*):[^;}\n]*\}")
 
 
 def make_sure_case(seed):
-    """A case in which every source and every variable has a word without white space."""
+    """A case in which every source and every variable has a long word without white space."""
     case = make_case(seed)
     for name, content in case.files.items():
         if content is not None and name.endswith(b".conf"):
-            case.files[name] = settle_user(SOURCES.sub(b"${env:CHECK_WORD}", content))
+            case.files[name] = settle_user(VARIABLES.sub(b"${INSTANCE}", SOURCES.sub(b"${env:CHECK_WORD}", content)))
     case.user_id = 0
-    case.instance = b"word"
+    case.instance = WORD.encode()
     return case
 
 
 def settle_user(content):
     """A generated user is root, whose entry in the password database there is on every machine."""
     content = re.sub(rb"^UserId=.*$", b"UserId=0", content, flags=re.MULTILINE)
-    return re.sub(rb"^Instance=.*$", b"Instance=word", content, flags=re.MULTILINE)
+    return re.sub(rb"^Instance=.*$", b"Instance=" + WORD.encode(), content, flags=re.MULTILINE)
 
 
 def entries_of(case):
@@ -84,7 +88,7 @@ def keys_to_ask(case, number):
 
 
 def tool_fails(case, root, group, key):
-    arguments = [b"--configs", b":".join(case.directories), b"--user-id", b"0", b"--instance", b"word"]
+    arguments = [b"--configs", b":".join(case.directories), b"--user-id", b"0", b"--instance", case.instance]
     arguments += [b"--list", b"--group", group, b"--key", key]
     run = run_tool(*map(os.fsdecode, arguments), cwd=root, env=WORDS)
     return run.returncode == 1 or re.search(rb"^(ERROR|CRITICAL): ", run.stderr, flags=re.MULTILINE) is not None
