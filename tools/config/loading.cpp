@@ -1,7 +1,9 @@
 #include "config/loading.h"
 
 #include "config/command.h"
+#include "logging/log_record.h"
 #include "logging/logger_config.h"
+#include "request.h"
 #include "vocabulary.h"
 
 namespace Tarnwick::Parser::ConfigTool {
@@ -28,6 +30,23 @@ void setUpLogging(const Context& context) {
     LoggerConfig::configureAll(nullptr);
     if (!context.logLevel.empty()) {
         (void)parserLogger->setLevel(context.logLevel);
+    }
+}
+
+std::unique_ptr<ConfigParser> load(const Context& context, const LoadListener& listener) {
+    const std::vector<std::string> directories = directoriesOf(context);
+    Tool::User user{context.userId, "", "", context.instance};
+    try {
+        if (!Tool::settleUser(user, directories)) {
+            return nullptr;
+        }
+        auto parser = std::make_unique<ConfigParser>(user.id);
+        return Tool::loadForUser(*parser, user, directories, listener) ? std::move(parser)
+                                                                       : nullptr;
+    } catch (const std::exception& error) {  // it names file, line, group and key
+        Logging::logCritical(Logging::parserLogger)
+            << "Cannot load the configuration: " << error.what();
+        return nullptr;
     }
 }
 
