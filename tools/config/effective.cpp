@@ -7,10 +7,6 @@ namespace {
 
 // Sets `text` to the value with its references filled. Returns why there is none, or nothing.
 std::string_view resolve(const ConfigParser& parser, const ConfigValue& value, std::string& text) {
-    if (value.hasReferences == 0) {
-        text = value.text;
-        return {};
-    }
     // What leads nowhere resolves to the empty text: a mark tells it from a value that is empty.
     // In a text without literals every reference stands at the start, so the mark moves none.
     ConfigValue marked(value);
@@ -79,18 +75,22 @@ void Effective::visit(const Show& show, const Fail& fail) const {
     });
 }
 
-// Sets the texts of all values. Returns why one has none, or nothing.
+// Sets the texts of all values. Returns why one has none, or nothing. Only values with references
+// are looked up: in a large configuration a lookup costs as much as to store the value.
 std::string_view Effective::findTexts(const StoredKey& key, std::vector<std::string>& texts) const {
-    const std::vector<ConfigValue>& values = parser_.valueList(key.group, key.key);
-    texts.resize(values.size());
-    for (std::size_t index = 0; index < values.size(); ++index) {
+    texts.resize(key.origins.size());
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+        const ValueOrigin& origin = key.origins[index];
         if (kind_ == Texts::AsWritten) {
-            texts[index] = key.origins[index].raw;
-            continue;
-        }
-        const std::string_view problem = resolve(parser_, values[index], texts[index]);
-        if (!problem.empty()) {
-            return problem;
+            texts[index] = origin.raw;
+        } else if (!origin.hasReferences) {
+            texts[index] = origin.text;
+        } else {
+            const ConfigValue& value = parser_.valueList(key.group, key.key)[index];
+            const std::string_view problem = resolve(parser_, value, texts[index]);
+            if (!problem.empty()) {
+                return problem;
+            }
         }
     }
     return {};

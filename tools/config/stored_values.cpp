@@ -31,12 +31,23 @@ void StoredValues::add(const LoadEvent& event) {
         values_[key.last].next = index;
     }
     key.last = index;
+    const Text raw = keep(event.piece);
     values_.push_back({.owner = &owner,
-                       .rawStart = texts_.size(),
-                       .rawLength = static_cast<std::uint32_t>(event.piece.size()),
+                       .raw = raw,
+                       .text = event.value->text == event.piece ? raw : keep(event.value->text),
                        .file = static_cast<std::uint32_t>(files_.size() - 1),
-                       .line = event.place.line});
-    texts_ += event.piece;
+                       .line = event.place.line,
+                       .hasReferences = event.value->hasReferences != 0});
+}
+
+StoredValues::Text StoredValues::keep(std::string_view text) {
+    const std::uint64_t start = texts_.size();
+    texts_ += text;
+    return {start, text.size()};
+}
+
+std::string_view StoredValues::textOf(const Text& text) const {
+    return std::string_view(texts_).substr(text.start, text.length);
 }
 
 // Most keys follow one of the same group.
@@ -67,8 +78,8 @@ void StoredValues::forEachKey(const std::function<bool(const StoredKey& key)>& v
 }
 
 ValueOrigin StoredValues::originOf(const Value& value) const {
-    return {files_[value.file], value.line,
-            std::string_view(texts_).substr(value.rawStart, value.rawLength)};
+    return {files_[value.file], value.line, textOf(value.raw), textOf(value.text),
+            value.hasReferences};
 }
 
 }  // namespace Tarnwick::Parser::ConfigTool

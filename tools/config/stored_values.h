@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,6 +19,8 @@ struct ValueOrigin {
     std::string_view file;
     std::uint32_t line = 0;
     std::string_view raw;
+    std::string_view text;  ///< the value; with references, without their texts
+    bool hasReferences = false;
 };
 
 /// One key that a load left with values, and the origins of these in their order.
@@ -52,26 +55,36 @@ private:
         std::uint32_t first = kNone;
         std::uint32_t last = kNone;
     };
-    using Keys = std::unordered_map<std::string, Key>;
+    using Keys = std::pmr::unordered_map<std::string, Key>;
+
+    /// A part of `texts_`.
+    struct Text {
+        std::uint64_t start;
+        std::uint64_t length;
+    };
 
     struct Value {
         const Keys::value_type* owner;
-        std::uint64_t rawStart;  // in texts_
-        std::uint32_t rawLength;
+        Text raw;
+        Text text;           // where nothing was expanded, the same
         std::uint32_t file;  // in files_
         std::uint32_t line;
         std::uint32_t next = kNone;  // value of the same key
+        bool hasReferences;
     };
 
     void hear(const LoadEvent& event);
     void add(const LoadEvent& event);
     [[nodiscard]] Keys::value_type& find(const LoadEvent& event);
+    [[nodiscard]] Text keep(std::string_view text);
+    [[nodiscard]] std::string_view textOf(const Text& text) const;
     [[nodiscard]] ValueOrigin originOf(const Value& value) const;
 
     std::vector<std::string> files_;
     std::string texts_;
     std::vector<Value> values_;  // in the order in which they were stored, those removed since too
-    std::unordered_map<std::string, Keys> groups_;
+    std::pmr::monotonic_buffer_resource pool_;  // to free a million nodes takes its time
+    std::pmr::unordered_map<std::string, Keys> groups_{&pool_};
     std::pair<const std::string, Keys>* group_ = nullptr;  // of the last value
 };
 

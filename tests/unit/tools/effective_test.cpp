@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "helpers/captured_stream.h"
 #include "helpers/temporary_directory.h"
 
 namespace Tarnwick::Parser::ConfigTool {
@@ -37,7 +36,7 @@ protected:
         return seen;
     }
 
-    TemporaryDirectory directory_;
+    Testing::TemporaryDirectory directory_;
     ConfigParser parser_{0};
     StoredValues stored_;
     Names missing_;
