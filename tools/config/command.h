@@ -51,6 +51,7 @@ struct Command {
 [[nodiscard]] Run addCheck(CLI::App& app);
 [[nodiscard]] Run addFiles(CLI::App& app);
 [[nodiscard]] Run addGet(CLI::App& app);
+[[nodiscard]] Run addShow(CLI::App& app);
 /// @}
 
 }  // namespace Tarnwick::Parser::ConfigTool
