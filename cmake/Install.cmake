@@ -8,6 +8,10 @@ install(DIRECTORY DESTINATION /etc/tarnwick.conf.d COMPONENT tool)
 # Where Vim looks for files of other packages.
 install(DIRECTORY vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles COMPONENT tool)
 
+# What the JSON of each command of tarnwick-config looks like.
+install(DIRECTORY schema/ DESTINATION ${CMAKE_INSTALL_DATADIR}/tarnwick-config COMPONENT tool
+  FILES_MATCHING PATTERN *.schema.json)
+
 install(TARGETS tarnwick-parser tarnwick-parser-static EXPORT TarnwickParser
   LIBRARY COMPONENT library NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development)

@@ -1,6 +1,14 @@
 """What the tests of tarnwick-config share."""
 
+import functools
+import json
+import pathlib
 import re
+
+import jsonschema
+import pytest
+
+ROOT = pathlib.Path(__file__).parents[2]
 
 
 def faults_of(output):
@@ -17,3 +25,19 @@ def faults_of(output):
 def in_config(*lines):
     """The text of a file with these lines in the group Config, which is line 1."""
     return "".join(line + "\n" for line in ("[Config]", *lines))
+
+
+@functools.cache
+def schema_of(command):
+    """The validator of the schema that is installed for the JSON of a command."""
+    schema = json.loads((ROOT / "schema" / f"{command}.schema.json").read_text())
+    jsonschema.Draft202012Validator.check_schema(schema)
+    return jsonschema.Draft202012Validator(schema)
+
+
+def valid_json(command, output):
+    """What `command --format=json` printed, read by a strict reader and held against its schema."""
+    assert output.isascii()
+    value = json.loads(output, parse_constant=pytest.fail)
+    schema_of(command).validate(value)
+    return value

@@ -45,6 +45,7 @@ OTHER_FILES = [
     "usr/share/man/man1/tarnwick-parse-config.1",
     "usr/share/man/man3/libtarnwick-parser.3",
     "usr/share/man/man5/tarnwick.conf.5",
+    *(f"usr/share/tarnwick-config/{path.name}" for path in (ROOT / "schema").iterdir()),
     "usr/share/vim/vimfiles/compiler/tarnwick.vim",
     "usr/share/vim/vimfiles/ftdetect/tarnwick.vim",
     "usr/share/vim/vimfiles/syntax/tarnwick.vim",

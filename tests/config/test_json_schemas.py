@@ -1,0 +1,120 @@
+"""The JSON of each command fits the schema that is installed for it, and the schema fits nothing else."""
+
+import base64
+import copy
+
+import jsonschema
+import pytest
+from config_helpers import in_config, schema_of, valid_json
+from support.tool import run_config
+from test_check_ids import ROWS
+
+NO_UTF8 = b"\xff\xc3\xa9\xc0"
+
+
+def listed_ids():
+    return {line.split("\t")[0] for line in run_config("check", "--list-ids").stdout.decode().splitlines()}
+
+
+def faults_of_files(directory):
+    """Makes the faults of files and directories as a whole; returns the paths that have them."""
+    others = directory / "others"
+    (others / "folder.conf").mkdir(parents=True)
+    others.chmod(0o777)
+    for name in ("empty", "d[x]", "dx"):
+        (directory / name).mkdir()
+    return "conf.d/others", "conf.d/empty", "conf.d/d[x]"
+
+
+def test_reports_with_faults_of_every_kind_fit_the_schema(run, directory):
+    reports = []
+    for number, (_, files, _, _) in enumerate(ROWS):
+        files = files if isinstance(files, dict) else {"a.conf": files}
+        run({f"{number}/{name}": content for name, content in files.items()}, "files")
+        output = run_config("check", "--format=json", f"conf.d/{number}", cwd=directory.parent).stdout
+        reports.append(valid_json("check", output))
+    for path in faults_of_files(directory):
+        reports.append(valid_json("check", run({}, "check", "--format=json", path).stdout))
+    assert {fault["id"] for report in reports for fault in report["faults"]} == listed_ids()
+    assert {fault["line"] is None for report in reports for fault in report["faults"]} == {True, False}
+
+
+def test_the_schema_knows_the_ids_that_are_listed():
+    assert set(schema_of("check").schema["$defs"]["id"]["enum"]) == listed_ids()
+
+
+@pytest.mark.parametrize("arguments", [["conf.d"], ["nowhere"], ["nowhere", "conf.d", "-"]])
+def test_a_report_fits_whatever_can_be_read(arguments, run):
+    result = run(in_config("Arch=$"), "check", "--format=json", *arguments)
+    report = valid_json("check", result.stdout)
+    assert (report["errors"], report["warnings"]) == (int("conf.d" in arguments), 0)
+
+
+def test_texts_that_are_no_utf8_have_their_bytes_beside_them(run, tmp_path):
+    name = NO_UTF8 + b".conf"
+    (tmp_path / "conf.d" / "a.conf").write_bytes(b"[Config]\nArch=" + NO_UTF8 + b"$\nArch=${config:A/" + NO_UTF8 + b"}")
+    with open(bytes(tmp_path / "conf.d") + b"/" + name, "wb") as file:
+        file.write(b"Arch\n")
+    report = valid_json("check", run({}, "check", "--format=json", "conf.d").stdout)
+    read_back = {
+        (member, base64.b64decode(fault[member])) for fault in report["faults"] for member in fault if "B" in member
+    }
+    assert ("pathBase64", b"conf.d/" + name) in read_back
+    assert ("sourceBase64", b"Arch=" + NO_UTF8 + b"$") in read_back
+    assert {fault["path"] for fault in report["faults"]} == {"conf.d/a.conf", "conf.d/\ufffd\u00e9\ufffd.conf"}
+
+
+def test_bytes_stand_beside_no_other_text(run):
+    report = valid_json("check", run(in_config("Arch=\u00e9\0$"), "check", "--format=json", "conf.d").stdout)
+    assert [member for fault in report["faults"] for member in fault if "Base64" in member] == []
+
+
+def test_lists_of_files_fit_the_schema(run, tmp_path):
+    with open(bytes(tmp_path / "conf.d") + b"/" + NO_UTF8 + b".conf", "wb"):
+        pass
+    report = valid_json("files", run({"a.conf": "", "b.ini": ""}, "files", "--format=json", "conf.d").stdout)
+    assert [file["isRead"] for file in report["files"]] == [True, False, True]
+    assert base64.b64decode(report["files"][2]["pathBase64"]) == b"conf.d/" + NO_UTF8 + b".conf"
+    assert valid_json("files", run({}, "files", "--format=json", "nowhere").stdout) == {"files": []}
+
+
+FAULT = {
+    "path": "a.conf",
+    "line": 1,
+    "column": 2,
+    "lastColumn": 2,
+    "severity": "error",
+    "id": "nul-byte",
+    "message": "m",
+    "hint": None,
+    "source": "A",
+    "sourceColumn": 1,
+}
+
+
+@pytest.mark.parametrize(
+    "change",
+    [
+        {"line": None},
+        {"line": 0},
+        {"source": None},
+        {"severity": "note"},
+        {"id": "other"},
+        {"hint": 1},
+        {"sourceBase64": "A"},
+        {"other": 1},
+    ],
+)
+def test_the_schema_takes_no_report_that_is_none(change):
+    report = {"faults": [FAULT], "errors": 1, "warnings": 0, "files": 1}
+    schema_of("check").validate(report)
+    broken = copy.deepcopy(report)
+    broken["faults"][0].update(change)
+    with pytest.raises(jsonschema.ValidationError):
+        schema_of("check").validate(broken)
+
+
+@pytest.mark.parametrize("file", [{"isRead": True, "reason": "r"}, {"isRead": False, "reason": None}, {"isRead": True}])
+def test_the_schema_takes_no_list_that_is_none(file):
+    with pytest.raises(jsonschema.ValidationError):
+        schema_of("files").validate({"files": [{"path": "a", **file}]})
