@@ -50,6 +50,7 @@ struct Command {
 /// One function for each command; see the table.
 [[nodiscard]] Run addCheck(CLI::App& app);
 [[nodiscard]] Run addExpand(CLI::App& app);
+[[nodiscard]] Run addExplain(CLI::App& app);
 [[nodiscard]] Run addFiles(CLI::App& app);
 [[nodiscard]] Run addGet(CLI::App& app);
 /// @}

@@ -9,14 +9,6 @@
 #include "vocabulary.h"
 
 namespace Tarnwick::Parser::ConfigTool {
-namespace {
-
-LineOrigin lineOf(const LastWords& words, const std::string& generatedKey) {
-    const LastWord* word = words.find(kGroupGeneratedConfig, generatedKey);
-    return word != nullptr && word->kind == LastWord::Kind::Stored ? word->origin : LineOrigin();
-}
-
-}  // namespace
 
 HeardRequest::HeardRequest(const Context& context, KeyName name)
     : directories_(directoriesOf(context)),
@@ -27,8 +19,8 @@ HeardRequest::HeardRequest(const Context& context, KeyName name)
 bool HeardRequest::run() {
     const bool isSettled =
         Tool::settleUser(story_.user, directories_, &story_.origins, std::ref(generated_));
-    story_.userIdLine = lineOf(generated_.words(), kKeyUserId);
-    story_.instanceLine = lineOf(generated_.words(), kKeyInstance);
+    story_.userIdLine = generatedLine(kKeyUserId);
+    story_.instanceLine = generatedLine(kKeyInstance);
     if (!isSettled) {
         return false;
     }
@@ -39,6 +31,11 @@ bool HeardRequest::run() {
     }
     stage_ = Stage::Loaded;
     return true;
+}
+
+LineOrigin HeardRequest::generatedLine(const std::string& key) const {
+    const LastWord* word = generated_.words().find(kGroupGeneratedConfig, key);
+    return word != nullptr && word->kind == LastWord::Kind::Stored ? word->origin : LineOrigin();
 }
 
 const std::vector<LoadFailure>& HeardRequest::failures() const {

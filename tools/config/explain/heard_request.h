@@ -35,6 +35,9 @@ public:
     [[nodiscard]] const LoadHistory& generated() const { return generated_; }
     [[nodiscard]] LoadHistory& history() { return history_; }
 
+    /// The line that sets a generated key for the user; without a path when none does.
+    [[nodiscard]] LineOrigin generatedLine(const std::string& key) const;
+
     /// Why the load failed; empty when it was not a file's fault.
     [[nodiscard]] const std::vector<LoadFailure>& failures() const;
     /// Why a request that ended early without any failure of a file did so.

@@ -43,6 +43,13 @@ std::span<const TemplateRecord> templatesOf(const LastWord* word) {
     return word->details->templates;
 }
 
+Trace sourceTrace(const TemplateRecord& record, const UserStory& story) {
+    return {.kind = Kind::Source,
+            .name = record.name,
+            .text = record.text,
+            .words = sourceText(record.name, story)};
+}
+
 // The texts of the references, or nothing when one cannot be filled.
 std::optional<std::vector<std::string>> textsOf(const std::vector<Trace>& parts) {
     std::vector<std::string> texts;
@@ -83,17 +90,12 @@ std::string failureOf(const TracedValue& value) {
     return fault->shift.empty() ? fault->words : fault->name + ": " + fault->shift;
 }
 
-TracedValue ReferenceTracer::trace(const ConfigValue& value,
-                                   std::span<const TemplateRecord> templates) {
-    visits_ = 0;
-    return visit(value, templates);
-}
-
-std::vector<Trace> ReferenceTracer::traceUnasked(std::span<const TemplateRecord> templates) const {
+std::vector<Trace> unaskedTraces(std::span<const TemplateRecord> templates,
+                                 const UserStory& story) {
     std::vector<Trace> traces;
     for (const TemplateRecord& record : templates) {
         if (record.result == TemplateResult::Resolved) {
-            traces.push_back(sourceTrace(record));
+            traces.push_back(sourceTrace(record, story));
         } else if (record.result == TemplateResult::Reference) {
             const TemplateToken token = classifyTemplate(record.name);
             traces.push_back({.kind = Kind::NotFilled,
@@ -102,6 +104,12 @@ std::vector<Trace> ReferenceTracer::traceUnasked(std::span<const TemplateRecord>
         }
     }
     return traces;
+}
+
+TracedValue ReferenceTracer::trace(const ConfigValue& value,
+                                   std::span<const TemplateRecord> templates) {
+    visits_ = 0;
+    return visit(value, templates);
 }
 
 // Recursion ends after the visits that one request may make.
@@ -115,7 +123,7 @@ TracedValue ReferenceTracer::visit(const ConfigValue& value,
         traced.parts.push_back(
             record.result == TemplateResult::Reference
                 ? visitReference(std::string(token.group), std::string(token.key))
-                : sourceTrace(record));
+                : sourceTrace(record, story_));
     }
     path_.pop_back();
     if (const auto texts = textsOf(traced.parts)) {
@@ -165,13 +173,6 @@ const ConfigValue* ReferenceTracer::currentValue(const std::string& group, const
     }
     const std::vector<ConfigValue>& values = parser_.valueList(group, key);
     return values.empty() ? nullptr : &values.back();
-}
-
-Trace ReferenceTracer::sourceTrace(const TemplateRecord& record) const {
-    return {.kind = Kind::Source,
-            .name = record.name,
-            .text = record.text,
-            .words = sourceText(record.name, story_)};
 }
 
 }  // namespace Tarnwick::Parser::ConfigTool

@@ -41,6 +41,10 @@ struct TracedValue {
 /// Says why the value cannot be filled.
 [[nodiscard]] std::string failureOf(const TracedValue& value);
 
+/// Returns what came of the templates of a piece that is no value: its references lead nowhere.
+[[nodiscard]] std::vector<Trace> unaskedTraces(std::span<const TemplateRecord> templates,
+                                               const UserStory& story);
+
 /// Follows the references of values to the end of the chain, in the order in which a request visits
 /// them, and no further than one does. What it refers to has to outlive it. It logs nothing.
 class ReferenceTracer {
@@ -52,16 +56,12 @@ public:
     [[nodiscard]] TracedValue trace(const ConfigValue& value,
                                     std::span<const TemplateRecord> templates);
 
-    /// The same for templates of a piece that is no value: its references lead nowhere.
-    [[nodiscard]] std::vector<Trace> traceUnasked(std::span<const TemplateRecord> templates) const;
-
 private:
     [[nodiscard]] TracedValue visit(const ConfigValue& value,
                                     std::span<const TemplateRecord> templates);
     [[nodiscard]] Trace visitReference(const std::string& group, const std::string& key);
     void visitTarget(const ConfigValue& value, Trace& trace);
     [[nodiscard]] const ConfigValue* currentValue(const std::string& group, const std::string& key);
-    [[nodiscard]] Trace sourceTrace(const TemplateRecord& record) const;
 
     ConfigParser& parser_;
     const LastWords& words_;
