@@ -4,6 +4,7 @@
 #     GROUPS              all groups, with blanks between them
 #     KEYS_OF_EACH_GROUP  one branch of a shell "case" for each group; bash and zsh read it alike
 #     VOCABULARY          the groups with their keys, for a manual page in scdoc(5)
+#     NAMES               every key as GROUP/KEY, with blanks between them
 #     COMMANDS            the commands of tarnwick-config, with blanks between them
 #     IDS                 its kinds of fault, the same
 #
@@ -51,6 +52,8 @@ foreach(group_row IN LISTS group_rows)
   list(TRANSFORM keys REPLACE ", .*" "")
 
   list(APPEND GROUPS ${group})
+  list(TRANSFORM keys PREPEND ${group}/ OUTPUT_VARIABLE names)
+  list(APPEND NAMES ${names})
   list(JOIN keys " " words)
   string(APPEND KEYS_OF_EACH_GROUP "\n        ${group}) keys=(${words}) ;;")
   # Literal lines, since filled text would get hyphens inside the names.
@@ -58,6 +61,7 @@ foreach(group_row IN LISTS group_rows)
   string(APPEND VOCABULARY "\n\n*${group}*\n\n```\n${lines}\n```")
 endforeach()
 list(JOIN GROUPS " " GROUPS)
+list(JOIN NAMES " " NAMES)
 string(STRIP "${KEYS_OF_EACH_GROUP}" KEYS_OF_EACH_GROUP)
 string(STRIP "${VOCABULARY}" VOCABULARY)
 

@@ -8,12 +8,13 @@ import functools
 import os
 import pathlib
 import re
+import shlex
 import shutil
 import subprocess
 
 import pexpect
 import pytest
-from support.tool import run_config, run_tool
+from support.tool import config_command, run_config, run_tool
 
 ROOT = pathlib.Path(__file__).parent.parent
 BUILT = pathlib.Path(os.environ.get("TARNWICK_COMPLETIONS", ".")).resolve()
@@ -45,6 +46,13 @@ SHELLS = {
     "bash": ("bash --norc --noprofile -i", BASH_SETUP),
     "zsh": ("zsh -f -i", ZSH_SETUP),
 }
+# Whoever loads the second file runs a command; the third would run one in a shell that takes names
+# for more than names.
+NAMES_IN_FILES = {
+    "vendor.conf.d/10-own.conf": "[Own]\nFirst=1\nSecond key=2\nSecond.key=2\n[Config]\nOwnKey=1\nArch=x\nno name\n",
+    "user.conf.d/10-own.conf": "[Other]\nThird=${system:touch loaded}\n",
+    "user.conf.d/20-hostile.conf": "[$(touch loaded)]\nA=1\n[Other]\n$(touch loaded)=1\nB`touch loaded`=1\n",
+}
 ALL_MATCHES, LINE_START = "\x18a", "\x01"
 
 
@@ -58,9 +66,16 @@ def shell(request, tmp_path_factory):
     for name in ["user.conf.d", "vendor.conf.d", "vendor data"]:
         (directory / "work" / name).mkdir(parents=True)
     (directory / "work" / "vendor-file").touch()
+    for name, text in NAMES_IN_FILES.items():
+        (directory / "work" / name).write_text(text)
+    program = directory / "bin" / "tarnwick-config"
+    program.parent.mkdir()
+    program.write_text(f'#!/bin/sh\nexec {shlex.join(config_command())} "$@"\n')
+    program.chmod(0o755)
     setup_file = directory / "setup"
     setup_file.write_text(SHOW_WORDS + setup.format(built=BUILT))
     environment = {**os.environ, "TERM": "dumb", "HOME": str(directory), "HISTFILE": ""}
+    environment["PATH"] = f"{program.parent}:{environment['PATH']}"
     terminal = pexpect.spawn(
         command, cwd=directory / "work", env=environment, encoding="utf-8", timeout=TIME_LIMIT_SECONDS
     )
@@ -233,3 +248,28 @@ def test_a_path_is_a_file_or_a_directory(offers):
 
 def test_known_offers_groups(offers):
     assert sorted(offers("tarnwick-config check --known ")) == sorted(vocabulary())
+
+
+def test_known_offers_the_keys_of_a_group_behind_the_slash(offers):
+    assert sorted(offers("tarnwick-config check --known Network/")) == sorted(
+        f"Network/{key}" for key in vocabulary()["Network"]
+    )
+
+
+def test_known_offers_the_names_in_the_files_in_reach(offers):
+    line = "tarnwick-config --config vendor.conf.d check --config user.conf.d --known "
+    assert sorted(offers(line)) == sorted([*vocabulary(), "Own", "Other"])
+    assert sorted(offers(line + "Own/")) == ["Own/First", "Own/Second.key"]
+    assert sorted(offers(line + "Config/Ow")) == ["Config/OwnKey"]
+    lists = "tarnwick-config check --configs vendor.conf.d:user.conf.d --known O"
+    assert sorted(offers(lists)) == ["Other", "Own"]
+
+
+def test_completion_loads_nothing_and_runs_nothing(shell):
+    words = shell("tarnwick-config --config user.conf.d check --known Other/")
+    assert words[-1] == "Other/Third"
+    assert shell("tarnwick-config check lo")[-1] == "lo"
+
+
+def test_an_option_of_every_command_may_stand_behind_the_command(offers):
+    assert sorted(offers("tarnwick-config check --instance x --format ")) == ["gcc", "json", "text"]

@@ -5,6 +5,10 @@ from config_helpers import faults_of
 from support.tool import run_config, write_files
 
 
+def pytest_configure(config):
+    config.addinivalue_line("markers", "slow: large inputs and many cases, run by the longer checks only")
+
+
 @pytest.fixture
 def directory(tmp_path):
     """The directory that `check` writes and reads, by the name conf.d."""

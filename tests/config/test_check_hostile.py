@@ -101,6 +101,34 @@ def test_a_million_faults_need_no_more_memory_than_a_thousand(directory):
     assert peaks[1] < peaks[0] + 16 * MEBIBYTE
 
 
+MILLION = 1000000
+LARGE_FILES = {
+    "keys of one unknown group": lambda number: b"%07d=1\n" % number,
+    "values that refer to one key": lambda number: b"A=${config:Unknown/B}\n",
+    "keys that refer to others": lambda number: b"K%d=${config:Unknown/K%d}\n" % (number, number + 1),
+    "references to keys that no file sets": lambda number: b"A=${config:Unknown/K%d};\n" % number,
+}
+
+
+@pytest.mark.slow
+@pytest.mark.parametrize("line", LARGE_FILES.values(), ids=LARGE_FILES)
+def test_a_million_lines_need_less_memory_than_twenty_times_the_file(line, directory):
+    text = b"[Unknown]\n" + b"".join(map(line, range(MILLION)))
+    (directory / "a.conf").write_bytes(text)
+    command = config_command("check", "--ignore=reference-undefined", directory)
+    status, peak = peak_memory(command, stdout=subprocess.DEVNULL)
+    assert status in (0, 1)
+    assert peak < 20 * len(text) + 16 * MEBIBYTE
+
+
+@pytest.mark.slow
+def test_a_line_full_of_cut_templates_is_looked_through_once(directory):
+    # Looking through the rest for each one would take far longer than the limit on a run.
+    (directory / "a.conf").write_bytes(in_config("Arch=" + "${;" * 4 * MILLION).encode())
+    result = run_config("check", "--ignore=template-not-closed", "conf.d", cwd=directory.parent)
+    assert (result.returncode, result.stdout) == (0, b"")
+
+
 def test_faults_are_shown_at_the_pace_of_reading():
     command = config_command("check", "--format=gcc", "-")
     process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, env=clean_environment())

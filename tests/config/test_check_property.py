@@ -3,12 +3,14 @@ fails or costs a record of the level error, whatever the sources answer, and non
 
 The cases are those of the differential tests, with every source changed to one that has a word.
 
-TARNWICK_CHECK_CASES   how many cases of `make test` (default 300)
-TARNWICK_CHECK_SLOW_CASES   how many with the slow ones (default 2000)
-TARNWICK_CHECK_ONLY    the number of the only case to run
+TARNWICK_CHECK_CASES        how many cases of `make test` (default 300)
+TARNWICK_CHECK_SLOW_CASES   how many with the slow ones (default 20000)
+TARNWICK_CHECK_SEED         another text gives other cases (default "check")
+TARNWICK_CHECK_ONLY         the number of the only case to run
 """
 
 import json
+import multiprocessing
 import os
 import pathlib
 import re
@@ -24,48 +26,69 @@ from comparing import describe, write_case  # noqa: E402
 from generator import make_case  # noqa: E402
 
 CASES = int(os.environ.get("TARNWICK_CHECK_CASES", "300"))
-SLOW_CASES = int(os.environ.get("TARNWICK_CHECK_SLOW_CASES", "2000"))
+SLOW_CASES = int(os.environ.get("TARNWICK_CHECK_SLOW_CASES", "20000"))
+SEED = os.environ.get("TARNWICK_CHECK_SEED", "check")
 ONLY = os.environ.get("TARNWICK_CHECK_ONLY")
-BLOCKS = 10
+BLOCKS = 100
+PROCESSES = len(os.sched_getaffinity(0))
 
-WORDS = {"CHECK_WORD": "word"}
+# Longer than white space that is trimmed, so that it is never for want of a longer word that a
+# position lies past the end.
+WORD = "word" * 20
+WORDS = {"CHECK_WORD": WORD}
+VARIABLES = re.compile(rb"\$\{(?:HOME|USER|USER_ID|ODM_DIR)\}")
 SOURCES = re.compile(rb"\$\{(?:env|realpath|dconf|prop|system|envfile:[^:;}\n]*):[^;}\n]*\}")
 
 
 def make_sure_case(seed):
-    """A case in which every source and every variable has a word without white space."""
+    """A case in which every source and every variable has a long word without white space."""
     case = make_case(seed)
     for name, content in case.files.items():
         if content is not None and name.endswith(b".conf"):
-            case.files[name] = settle_user(SOURCES.sub(b"${env:CHECK_WORD}", content))
+            case.files[name] = settle_user(VARIABLES.sub(b"${INSTANCE}", SOURCES.sub(b"${env:CHECK_WORD}", content)))
     case.user_id = 0
-    case.instance = b"word"
+    case.instance = WORD.encode()
     return case
 
 
 def settle_user(content):
     """A generated user is root, whose entry in the password database there is on every machine."""
     content = re.sub(rb"^UserId=.*$", b"UserId=0", content, flags=re.MULTILINE)
-    return re.sub(rb"^Instance=.*$", b"Instance=word", content, flags=re.MULTILINE)
+    return re.sub(rb"^Instance=.*$", b"Instance=" + WORD.encode(), content, flags=re.MULTILINE)
 
 
-def keys_of(case):
-    """Every key that stands in a file, under any group, and one that stands in none."""
-    groups, keys = {b"Config"}, {b"NoSuchKey"}
+def entries_of(case):
+    """Every (group, key, value) that stands in a file, as far as one can tell without a parser."""
     for name, content in case.files.items():
         if content is None or not name.endswith(b".conf"):
             continue
+        group = b""  # of what stands above any header
         for line in content.split(b"\n"):
             if line.startswith(b"["):
-                groups.add(line[1:-1])
+                group = line[1:-1]
             elif b"=" in line:
-                keys.add(line.split(b"=")[0])
+                yield group, *line.split(b"=", 1)
+
+
+def keys_with_references(case):
+    """All that can fail where a load succeeds."""
+    return {(group, key) for group, key, value in entries_of(case) if b"${config:" in value}
+
+
+def all_keys(case):
+    entries = list(entries_of(case))
+    return {(group, key) for group, _, _ in entries for _, key, _ in entries}
+
+
+def keys_to_ask(case, number):
+    """One that stands in no file first; in every thirtieth case all, so that nothing else fails."""
+    keys = all_keys(case) if number % 30 == 0 else keys_with_references(case)
     # A NUL cannot stand in an argument, nor in the name of a key that is stored.
-    return [(group, key) for group in sorted(groups) for key in sorted(keys) if key and b"\0" not in group + key]
+    return [(b"Config", b"NoSuchKey"), *sorted(pair for pair in keys if pair[1] and b"\0" not in pair[0] + pair[1])]
 
 
 def tool_fails(case, root, group, key):
-    arguments = [b"--configs", b":".join(case.directories), b"--user-id", b"0", b"--instance", b"word"]
+    arguments = [b"--configs", b":".join(case.directories), b"--user-id", b"0", b"--instance", case.instance]
     arguments += [b"--list", b"--group", group, b"--key", key]
     run = run_tool(*map(os.fsdecode, arguments), cwd=root, env=WORDS)
     return run.returncode == 1 or re.search(rb"^(ERROR|CRITICAL): ", run.stderr, flags=re.MULTILINE) is not None
@@ -81,43 +104,48 @@ def check_finds(case, root):
     return errors
 
 
-def disagreement(case, root):
+def disagreement(case, keys, root):
     """None when both agree, otherwise what they said. Leaves nothing at `root`."""
-    shutil.rmtree(root, ignore_errors=True)
     write_case(case, root)
     errors = check_finds(case, root)
-    keys = keys_of(case)
     # Faults that are not of references concern every request: one is enough.
     if any(not error["id"].startswith("reference-") or error["id"] == "reference-form" for error in errors):
         keys = keys[:1]
-    failing = [key for key in keys if tool_fails(case, root, *key)]
+    failing = next((key for key in keys if tool_fails(case, root, *key)), None)
     shutil.rmtree(root)
     if bool(errors) == bool(failing):
         return None
-    return f"check: {errors}\nkeys that fail: {failing}"
+    return f"check: {errors}\nkey that fails: {failing}"
 
 
-@pytest.fixture
-def root():
+def first_disagreement(numbers):
+    """What is to be told about the first case on which both do not agree, or None."""
     memory = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
-    parent = tempfile.mkdtemp(prefix="check-", dir=memory)
-    yield os.fsencode(os.path.join(os.path.realpath(parent), "case"))
-    shutil.rmtree(parent)
+    with tempfile.TemporaryDirectory(prefix="check-", dir=memory) as parent:
+        root = os.fsencode(os.path.join(os.path.realpath(parent), "case"))
+        for number in numbers:
+            case = make_sure_case(f"{SEED}:{number}")
+            found = disagreement(case, keys_to_ask(case, number), root)
+            if found is not None:
+                return f"case {number}\n{describe(case)}\n{found}"
+    return None
 
 
-def compare(numbers, root):
-    for number in numbers:
-        case = make_sure_case(f"check:{number}")
-        found = disagreement(case, root)
-        assert found is None, f"case {number}\n{describe(case)}\n{found}"
+def compare(first, end):
+    """Compares these cases on all processors."""
+    blocks = [range(first + block, end, BLOCKS) for block in range(BLOCKS)]
+    with multiprocessing.Pool(PROCESSES) as pool:
+        for found in pool.imap_unordered(first_disagreement, blocks):
+            assert found is None, found
 
 
-@pytest.mark.parametrize("block", range(1 if ONLY else BLOCKS))
-def test_check_finds_an_error_where_the_tool_fails_and_nowhere_else(block, root):
-    compare([int(ONLY)] if ONLY else range(block, CASES, BLOCKS), root)
+def test_check_finds_an_error_where_the_tool_fails_and_nowhere_else():
+    if ONLY:
+        compare(int(ONLY), int(ONLY) + 1)
+    else:
+        compare(0, CASES)
 
 
 @pytest.mark.slow
-@pytest.mark.parametrize("block", range(BLOCKS))
-def test_the_same_of_many_more_cases(block, root):
-    compare(range(CASES + block, SLOW_CASES, BLOCKS), root)
+def test_the_same_of_many_more_cases():
+    compare(CASES, SLOW_CASES)

@@ -1,6 +1,7 @@
 """`files` lists what is read, in order, and marks what looks meant."""
 
 import json
+import os
 
 FILES = {"b.conf": "", "10-a.conf": "", "9-a.conf": "", "c.conf.bak": "", ".d.conf": "", "notes": "", "sub/x.conf": ""}
 
@@ -43,3 +44,22 @@ def test_a_missing_path_is_status_2(run):
     result = run({"a.conf": ""}, "files", "nowhere", "conf.d")
     assert (result.returncode, result.stdout) == (2, b"conf.d/a.conf\n")
     assert result.stderr == b"tarnwick-config: nowhere: No such file or directory\n"
+
+
+def test_names_are_the_keys_that_are_set_each_once(run):
+    first = "Above=1\n[Own]\nA=1\nA=2\nB \n-b=\n[Config\nLost=1\n[Config]\nArch=$\n"
+    result = run({"a.conf": first, "b.conf": "[Own]\nA=3\nLast", "b.ini": "[No]\nA=1\n"}, "files", "--names", "conf.d")
+    assert result.stdout.decode().splitlines() == ["/Above", "Own/A", "Own/-b", "Config/Arch"]
+    assert (result.returncode, result.stderr) == (0, b"")
+
+
+def test_names_come_from_the_standard_input_too_and_end_with_nul(run, tmp_path):
+    (tmp_path / "input").write_text("[Own]\nA b=1")
+    with open(tmp_path / "input", "rb") as file:
+        assert run({}, "files", "--names", "-z", "-", stdin=file).stdout == b"Own/A b\0"
+
+
+def test_names_are_looked_for_in_nothing_but_regular_files(run, directory):
+    os.mkfifo(directory / "a.conf")
+    result = run({"b.conf": "[Own]\nA=1\n"}, "files", "--names", "conf.d")
+    assert (result.returncode, result.stdout) == (0, b"Own/A\n")

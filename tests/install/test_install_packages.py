@@ -146,9 +146,10 @@ def test_zsh_finds_the_completion_of_the_installed_tool(machine):
     assert machine.inside("zsh", "-fc", show).stdout == "_tarnwick-parse-config\n"
 
 
-def test_the_packaged_tool_is_hardened(native, tmp_path):
-    run("dpkg-deb", "--extract", native["tarnwick-parse-config"], tmp_path)
-    run(ROOT / "scripts" / "check-hardening", tmp_path / "usr" / "bin" / "tarnwick-parse-config")
+@pytest.mark.parametrize("name", ["tarnwick-config", "tarnwick-parse-config"])
+def test_a_packaged_program_is_hardened(name, native, tmp_path):
+    run("dpkg-deb", "--extract", native[name], tmp_path)
+    run(ROOT / "scripts" / "check-hardening", tmp_path / "usr" / "bin" / name)
 
 
 def test_the_installed_checker_checks_the_default_directory(machine):

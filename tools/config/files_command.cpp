@@ -1,17 +1,24 @@
 // tarnwick-config files: lists the files that are read, in order, and marks those that look meant.
 
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <string>
+#include <unordered_set>
 
 #include "config/arguments.h"
 #include "config/command.h"
 #include "config/configuration_paths.h"
 #include "config/display.h"
 #include "config/json.h"
+#include "config_file.h"
 #include "config_loader.h"
+#include "support/line_reader.h"
 
 namespace Tarnwick::Parser::ConfigTool {
 namespace {
@@ -20,6 +27,7 @@ struct Options {
     std::vector<std::string> paths;
     bool endsInNul = false;
     bool isJson = false;
+    bool listsNames = false;
 };
 
 /// A file of the list.
@@ -53,7 +61,6 @@ public:
         if (options_.isJson) {
             std::cout << (hasAny_ ? "\n]}\n" : "{\"files\":[]}\n");
         }
-        std::cout.flush();
     }
 
 private:
@@ -68,6 +75,44 @@ private:
 
     const Options& options_;
     bool hasAny_ = false;
+};
+
+/// Prints the keys that files set, each once, whatever they are set to.
+class NameList {
+public:
+    explicit NameList(char end) : end_(end) {}
+
+    // Nobody knows whose the keys are below a header that is rejected.
+    void add(const std::string& path) {
+        LineReader reader(path == "-" ? dup(STDIN_FILENO) : openRegularFile(path).descriptor);
+        std::optional<std::string> group = "";
+        std::string_view text;
+        while (hasLine(reader.next(text))) {
+            const ConfigLine line = parseConfigLine(text);
+            if (line.kind == ConfigLine::Kind::Group) {
+                group = line.name;
+            } else if (text.starts_with('[')) {
+                group.reset();
+            } else if (line.kind == ConfigLine::Kind::Entry && group) {
+                print(*group + '/' + std::string(line.name));
+            }
+        }
+    }
+
+private:
+    static bool hasLine(LineReader::Outcome outcome) {
+        return outcome == LineReader::Outcome::Line ||
+               outcome == LineReader::Outcome::UnterminatedLine;
+    }
+
+    void print(const std::string& name) {
+        if (printed_.insert(name).second) {
+            std::cout << name << end_;
+        }
+    }
+
+    const char end_;
+    std::unordered_set<std::string> printed_;
 };
 
 // Files that are read and files that are not, in byte order of their paths.
@@ -86,24 +131,42 @@ std::vector<Listed> filesOf(const std::string& directory, std::string& problem) 
     return files;
 }
 
-ExitStatus list(const Options& options, const Context& context) {
+// Shows every file of the paths to `take`.
+ExitStatus visit(const std::vector<ConfigurationPath>& paths,
+                 const std::function<void(const Listed& file)>& take) {
     ExitStatus status = ExitSuccess;
-    FileList files(options);
-    for (const ConfigurationPath& path : configurationPaths(context, options.paths)) {
+    for (const ConfigurationPath& path : paths) {
         std::string problem = path.problem;
         if (path.kind == PathKind::Directory) {
             for (const Listed& file : filesOf(path.path, problem)) {
-                files.add(file);
+                take(file);
             }
         } else if (path.kind != PathKind::Unavailable) {
-            files.add({path.path, {}});
+            take({path.path, {}});
         }
         if (!problem.empty()) {
             std::cerr << "tarnwick-config: " << escaped(path.path) << ": " << problem << '\n';
             status = ExitUnavailable;
         }
     }
-    files.finish();
+    return status;
+}
+
+ExitStatus list(const Options& options, const Context& context) {
+    FileList files(options);
+    NameList names(options.endsInNul ? '\0' : '\n');
+    const auto take = [&](const Listed& file) {
+        if (!options.listsNames) {
+            files.add(file);
+        } else if (file.reason.empty()) {
+            names.add(file.path);
+        }
+    };
+    const ExitStatus status = visit(configurationPaths(context, options.paths), take);
+    if (!options.listsNames) {
+        files.finish();
+    }
+    std::cout.flush();
     return std::cout.good() ? status : ExitUnavailable;
 }
 
@@ -122,6 +185,7 @@ Run addFiles(CLI::App& app) {
     addOption(app, "--format", "FORM", "text or json",
               [options](const std::string& text) { setFormat(*options, text); });
     app.add_flag("-z", options->endsInNul, "Only files that are read, each ended by NUL");
+    app.add_flag("--names", options->listsNames, "The keys that they set instead, as GROUP/KEY");
     return [options](const Context& context) { return list(*options, context); };
 }
 

@@ -30,16 +30,21 @@ std::size_t costOf(char left, char right) {
 
 using Row = std::array<std::size_t, kLongestName + 1>;
 
-// The edit distance in which two neighbours that have changed places count as one edit.
-std::size_t distance(std::string_view left, std::string_view right) {
-    Row beforeLast{};
-    Row last{};
-    Row current{};
+// The edit distance in which two neighbours that have changed places count as one edit; any number
+// beyond `most` when it is farther than that.
+std::size_t distance(std::string_view left, std::string_view right, std::size_t most) {
+    std::array<Row, 3> rows{};  // a row is built from the two before it
     for (std::size_t column = 0; column <= right.size(); ++column) {
-        last[column] = column * kEdit;
+        rows[0][column] = column * kEdit;
     }
+    std::size_t nearest = 0;  // of the last row
     for (std::size_t row = 1; row <= left.size(); ++row) {
+        Row& current = rows[row % 3];
+        const Row& last = rows[(row + 2) % 3];
+        const Row& beforeLast = rows[(row + 1) % 3];
         current[0] = row * kEdit;
+        const std::size_t nearestBefore = nearest;
+        nearest = current[0];
         for (std::size_t column = 1; column <= right.size(); ++column) {
             const std::size_t replaced =
                 last[column - 1] + costOf(left[row - 1], right[column - 1]);
@@ -49,11 +54,13 @@ std::size_t distance(std::string_view left, std::string_view right) {
                 left[row - 2] == right[column - 1]) {
                 current[column] = std::min(current[column], beforeLast[column - 2] + kEdit);
             }
+            nearest = std::min(nearest, current[column]);
         }
-        beforeLast = last;
-        last = current;
+        if (std::min(nearest, nearestBefore) > most) {
+            return most + 1;
+        }
     }
-    return last[right.size()];
+    return rows[left.size() % 3][right.size()];
 }
 
 bool mayBeNear(std::string_view name, std::string_view candidate, std::size_t least) {
@@ -79,7 +86,7 @@ std::string_view nearestName(std::string_view name, const std::vector<std::strin
         if (!mayBeNear(name, candidate, least)) {
             continue;
         }
-        const std::size_t far = distance(name, candidate);
+        const std::size_t far = distance(name, candidate, least);
         const std::size_t edits = far / kEdit;
         const bool isNear = edits < std::max(name.size(), candidate.size());
         if (isNear && (far < least || (far == least && candidate < nearest))) {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <deque>
-#include <limits>
+#include <ranges>
 #include <unordered_set>
 
 #include "config/display.h"
@@ -12,7 +12,6 @@
 namespace Tarnwick::Parser::ConfigTool {
 namespace {
 
-constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
 constexpr std::size_t kMostSteps = 33;  // of a circle that a message shows
 
 }  // namespace
@@ -24,31 +23,24 @@ public:
     using Target = ReferenceGraph::Target;
 
     Judgement(const ReferenceGraph& graph, bool hasAllFiles, const FaultSink& sink)
-        : graph_(graph), hasAllFiles_(hasAllFiles), sink_(sink) {
-        for (const ReferenceGraph::Key& key : graph.keys_) {
-            for (const Value& value : key.values) {
-                values_.push_back(&value);
-            }
-        }
-        std::sort(values_.begin(), values_.end(), [](const Value* left, const Value* right) {
-            return left->number < right->number;
-        });
-        findLastValues();
-        nodes_.resize(values_.size());
-    }
+        : graph_(graph), hasAllFiles_(hasAllFiles), sink_(sink), nodes_(graph.values_.size()) {}
 
     void run() {
-        for (std::uint32_t value = 0; value < values_.size(); ++value) {
-            if (nodes_[value].order == kNone) {
+        for (std::uint32_t value = 0; value < nodes_.size(); ++value) {
+            if (isLeft(value) && nodes_[value].order == kNone) {
                 walkFrom(value);
             }
         }
-        for (std::uint32_t value = 0; value < values_.size(); ++value) {
-            tell(value);
+        for (std::uint32_t value = 0; value < nodes_.size(); ++value) {
+            if (isLeft(value)) {
+                tell(value);
+            }
         }
     }
 
 private:
+    static constexpr std::uint32_t kNone = ReferenceGraph::kNone;
+
     /// What the walk finds out about a value. Values that can reach each other make a knot.
     struct Node {
         std::uint32_t order = kNone;   // of the first visit
@@ -67,14 +59,24 @@ private:
         std::size_t target;  // the next to look at
     };
 
-    void findLastValues() {
-        lastValues_.assign(graph_.keys_.size(), kNone);
-        for (std::uint32_t value = 0; value < values_.size(); ++value) {
-            const std::uint32_t key = values_[value]->key;
-            if (!graph_.keys_[key].isLastPlain) {
-                lastValues_[key] = value;
-            }
-        }
+    [[nodiscard]] const ReferenceGraph::Key& keyOf(const Target& target) const {
+        return graph_.keys_[target.key];
+    }
+
+    [[nodiscard]] bool isLeft(std::uint32_t value) const {
+        return value >= graph_.keys_[graph_.values_[value].key].firstValue;
+    }
+
+    [[nodiscard]] auto targetsOf(std::uint32_t value) const {
+        const auto target = [&](std::size_t number) {
+            return graph_.targets_.begin() + static_cast<std::ptrdiff_t>(number);
+        };
+        const Value& row = graph_.values_[value];
+        return std::ranges::subrange(target(row.firstTarget), target(row.endTarget));
+    }
+
+    [[nodiscard]] const ReferenceGraph::Line& lineOf(std::uint32_t value) const {
+        return graph_.lines_[graph_.values_[value].line];
     }
 
     // Strongly connected components, depth first, with a stack of our own: a ring of references
@@ -84,9 +86,9 @@ private:
         enter(path, start);
         while (!path.empty()) {
             Step& step = path.back();
-            const std::vector<Target>& targets = values_[step.value]->targets;
-            if (step.target < targets.size()) {
-                follow(path, step.value, lastValues_[targets[step.target++].key]);
+            if (step.target < graph_.values_[step.value].endTarget) {
+                const Target& target = graph_.targets_[step.target++];
+                follow(path, step.value, keyOf(target).lastValue);
                 continue;
             }
             const std::uint32_t value = step.value;
@@ -103,7 +105,7 @@ private:
     void enter(std::vector<Step>& path, std::uint32_t value) {
         nodes_[value].order = nodes_[value].lowest = nextOrder_++;
         open_.push_back(value);
-        path.push_back({value, 0});
+        path.push_back({value, graph_.values_[value].firstTarget});
     }
 
     void follow(std::vector<Step>& path, std::uint32_t from, std::uint32_t to) {
@@ -138,8 +140,9 @@ private:
     }
 
     [[nodiscard]] bool refersToItself(std::uint32_t value) const {
-        return std::any_of(values_[value]->targets.begin(), values_[value]->targets.end(),
-                           [&](const Target& target) { return lastValues_[target.key] == value; });
+        return std::ranges::any_of(targetsOf(value), [&](const Target& target) {
+            return keyOf(target).lastValue == value;
+        });
     }
 
     // As the resolver counts: every value once for each time it is needed. A value that fails by
@@ -148,14 +151,14 @@ private:
         constexpr auto kTooMany = static_cast<std::uint32_t>(kMostVisits) + 1;
         Node& node = nodes_[value];
         std::uint32_t visits = 1;
-        for (const Target& target : values_[value]->targets) {
-            const std::uint32_t last = lastValues_[target.key];
+        for (const Target& target : targetsOf(value)) {
+            const std::uint32_t last = keyOf(target).lastValue;
             if (last != kNone && nodes_[last].fails()) {
                 node.failsOnlyHere = false;
                 visits += 1;
             } else if (last != kNone) {
                 visits += nodes_[last].visits;
-            } else if (graph_.keys_[target.key].isSet) {
+            } else if (keyOf(target).isSet) {
                 visits += 1;
             }
             visits = std::min(visits, kTooMany);
@@ -165,14 +168,14 @@ private:
     }
 
     void tell(std::uint32_t value) {
-        if (const std::optional<Shift>& shift = values_[value]->shift) {
+        if (const std::optional<Shift>& shift = graph_.values_[value].shift) {
             tellShift(value, *shift);
         }
         if (nodes_[value].isCircular && toldKnots_.insert(nodes_[value].knot).second) {
             tellCircle(value);
         }
         if (nodes_[value].isTooMany) {
-            report(RuleId::ReferenceTooMany, value, values_[value]->targets.front(),
+            report(RuleId::ReferenceTooMany, value, targetsOf(value).front(),
                    std::to_string(kMostVisits - 1));
         }
         if (hasAllFiles_) {
@@ -183,16 +186,16 @@ private:
     void tellShift(std::uint32_t value, const Shift& shift) {
         const bool isError = shift.severity == Severity::Error;
         Fault fault =
-            faultAt(RuleId::ReferenceShift, value, values_[value]->targets[shift.reference],
+            faultAt(RuleId::ReferenceShift, value, targetsOf(value)[shift.reference],
                     isError ? "then stands past its end" : "no longer stands where it was written");
         fault.severity = shift.severity;
         sink_(fault);
     }
 
     void tellUndefined(std::uint32_t value) {
-        for (const Target& target : values_[value]->targets) {
+        for (const Target& target : targetsOf(value)) {
             const std::string& name = *graph_.names_[target.key];
-            if (!graph_.keys_[target.key].isSet && !isGenerated(name)) {
+            if (!keyOf(target).isSet && !isGenerated(name)) {
                 report(RuleId::ReferenceUndefined, value, target, shortened(name));
             }
         }
@@ -213,8 +216,8 @@ private:
         circle.push_back(first);
         std::reverse(circle.begin(), circle.end());
         const std::uint32_t next = circle.size() > 1 ? circle[1] : first;
-        for (const Target& target : values_[first]->targets) {
-            if (lastValues_[target.key] == next) {
+        for (const Target& target : targetsOf(first)) {
+            if (keyOf(target).lastValue == next) {
                 report(RuleId::ReferenceCircle, first, target, described(circle));
                 return;
             }
@@ -227,8 +230,8 @@ private:
         while (!waiting.empty()) {
             const std::uint32_t value = waiting.front();
             waiting.pop_front();
-            for (const Target& target : values_[value]->targets) {
-                const std::uint32_t next = lastValues_[target.key];
+            for (const Target& target : targetsOf(value)) {
+                const std::uint32_t next = keyOf(target).lastValue;
                 if (next == first) {
                     return value;
                 }
@@ -246,7 +249,7 @@ private:
         std::string text;
         const std::size_t steps = std::min(circle.size(), kMostSteps);
         for (std::size_t step = 0; step < steps; ++step) {
-            const KeptLine& line = *values_[circle[step]]->line;
+            const ReferenceGraph::Line& line = lineOf(circle[step]);
             text += nameOfKey(circle[step]) + " (" + std::string(line.path) + ':' +
                     std::to_string(line.number) + ") -> ";
         }
@@ -258,12 +261,12 @@ private:
     }
 
     [[nodiscard]] std::string nameOfKey(std::uint32_t value) const {
-        return shortened(*graph_.names_[values_[value]->key]);
+        return shortened(*graph_.names_[graph_.values_[value].key]);
     }
 
     [[nodiscard]] Fault faultAt(RuleId rule, std::uint32_t value, const Target& target,
                                 std::string_view name) const {
-        const KeptLine& line = *values_[value]->line;
+        const ReferenceGraph::Line& line = lineOf(value);
         return makeFault(rule, {line.path, line.number, line.text}, {target.first, target.end},
                          name);
     }
@@ -276,46 +279,47 @@ private:
     const ReferenceGraph& graph_;
     bool hasAllFiles_;
     const FaultSink& sink_;
-    std::vector<const Value*> values_;       // all, in the order of reading
-    std::vector<std::uint32_t> lastValues_;  // by key; kNone: plain, or no value
-    std::vector<Node> nodes_;                // by value
-    std::vector<std::uint32_t> open_;        // visited, and in no complete knot
+    std::vector<Node> nodes_;          // by value
+    std::vector<std::uint32_t> open_;  // visited, and in no complete knot
     std::uint32_t nextOrder_ = 0;
     std::uint32_t nextKnot_ = 0;
     std::unordered_set<std::uint32_t> toldKnots_;
 };
 
+std::uint32_t ReferenceGraph::keepLine(const SourceLine& line) {
+    lines_.push_back({line.path, line.number, std::string(line.text)});
+    return static_cast<std::uint32_t>(lines_.size() - 1);
+}
+
 void ReferenceGraph::addPlain(const std::string& group, const std::string& key) {
     Key& added = keys_[keyNumber(group, key)];
     added.isSet = true;
-    added.isLastPlain = true;
+    added.lastValue = kNone;
 }
 
-void ReferenceGraph::add(const std::string& group, const std::string& key,
-                         const std::shared_ptr<const KeptLine>& line,
+void ReferenceGraph::add(const std::string& group, const std::string& key, std::uint32_t line,
                          const std::vector<FoundReference>& references,
                          std::optional<Shift> shift) {
-    Value value{line, keyNumber(group, key), nextValue_++, shift, {}};
-    value.targets.reserve(references.size());
+    const std::size_t firstTarget = targets_.size();
     for (const FoundReference& reference : references) {
-        value.targets.push_back({keyNumber(reference.group, reference.key),
-                                 static_cast<std::uint32_t>(reference.span.first),
-                                 static_cast<std::uint32_t>(reference.span.end)});
+        targets_.push_back({keyNumber(reference.group, reference.key),
+                            static_cast<std::uint32_t>(reference.span.first),
+                            static_cast<std::uint32_t>(reference.span.end)});
     }
-    Key& added = keys_[value.key];
-    added.isSet = true;
-    added.isLastPlain = false;
-    added.values.push_back(std::move(value));
+    const std::uint32_t number = keyNumber(group, key);
+    keys_[number].isSet = true;
+    keys_[number].lastValue = static_cast<std::uint32_t>(values_.size());
+    values_.push_back({line, number, firstTarget, targets_.size(), shift});
 }
 
 void ReferenceGraph::unset(const std::string& group, const std::string& key) {
     const auto number = numbers_.find(group + '/' + key);
     if (number != numbers_.end()) {
-        keys_[number->second] = Key();
+        keys_[number->second] = {.firstValue = static_cast<std::uint32_t>(values_.size())};
     }
 }
 
-void ReferenceGraph::judge(bool hasAllFiles, const FaultSink& sink) {
+void ReferenceGraph::judge(bool hasAllFiles, const FaultSink& sink) const {
     Judgement(*this, hasAllFiles, sink).run();
 }
 

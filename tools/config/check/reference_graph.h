@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <deque>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,18 +14,10 @@
 
 namespace Tarnwick::Parser::ConfigTool {
 
-/// A line that is kept to the end, because what is judged then stands in it. Its path has to
-/// outlive it.
-struct KeptLine {
-    std::string_view path;
-    std::uint32_t number;
-    std::string text;
-};
-
 /// What trimming does to a value with references.
 struct Shift {
     Severity severity;
-    std::size_t reference;  ///< the number of the reference that shows it, counted from 0
+    std::uint32_t reference;  ///< the number of the reference that shows it, counted from 0
 };
 
 /// A reference, as it stands in a line.
@@ -34,15 +28,20 @@ struct FoundReference {
 };
 
 /// The values that are left at the end of a load, as far as they refer to others: what is wrong
-/// with them shows only then. Values that refer to nothing are not kept.
+/// with them shows only then. Holds the lines of such values, the names of all keys, and less
+/// than a hundred bytes for each key and value; values that refer to nothing are not kept. This is
+/// all that grows with a configuration, to less than twenty times the size of its files.
 class ReferenceGraph {
 public:
+    /// Keeps a line in which values stand that refer to others, for `add`. Its path has to outlive
+    /// the graph.
+    [[nodiscard]] std::uint32_t keepLine(const SourceLine& line);
+
     /// Adds a value without references to the key.
     void addPlain(const std::string& group, const std::string& key);
 
     /// Adds a value that refers to others.
-    void add(const std::string& group, const std::string& key,
-             const std::shared_ptr<const KeptLine>& line,
+    void add(const std::string& group, const std::string& key, std::uint32_t line,
              const std::vector<FoundReference>& references, std::optional<Shift> shift);
 
     /// Takes all of the key's values away.
@@ -51,35 +50,45 @@ public:
     /// Tells every fault of the values that are left, in the order of their reading. References
     /// to keys without a value are faults only when `hasAllFiles`. Takes time and memory in
     /// proportion to the references, and no recursion.
-    void judge(bool hasAllFiles, const FaultSink& sink);
+    void judge(bool hasAllFiles, const FaultSink& sink) const;
 
 private:
     friend class Judgement;
 
+    static constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
+
+    struct Line {
+        std::string_view path;
+        std::uint32_t number;
+        std::string text;
+    };
     struct Target {
         std::uint32_t key;
-        std::uint32_t first;
+        std::uint32_t first;  // where the reference stands in the line
         std::uint32_t end;
     };
     struct Value {
-        std::shared_ptr<const KeptLine> line;
+        std::uint32_t line;
         std::uint32_t key;
-        std::uint32_t number;  // in the order of reading
+        std::size_t firstTarget;
+        std::size_t endTarget;
         std::optional<Shift> shift;
-        std::vector<Target> targets;
     };
     struct Key {
         bool isSet = false;
-        bool isLastPlain = false;
-        std::vector<Value> values;
+        std::uint32_t firstValue = 0;     // those before it were taken away
+        std::uint32_t lastValue = kNone;  // kNone: it refers to nothing, or there is none
     };
 
     [[nodiscard]] std::uint32_t keyNumber(std::string_view group, std::string_view key);
 
-    std::vector<Key> keys_;
-    std::vector<const std::string*> names_;  // "GROUP/KEY" of each key
-    std::unordered_map<std::string, std::uint32_t> numbers_;
-    std::uint32_t nextValue_ = 0;
+    std::unordered_map<std::string, std::uint32_t> numbers_;  // of keys, by "GROUP/KEY"
+    // These grow without being moved: they may be as many as the files have room for.
+    std::deque<const std::string*> names_;  // of keys
+    std::deque<Key> keys_;
+    std::deque<Line> lines_;
+    std::deque<Value> values_;  // in the order of reading
+    std::deque<Target> targets_;
 };
 
 }  // namespace Tarnwick::Parser::ConfigTool

@@ -111,6 +111,7 @@ ValueChecker::ValueChecker(ReferenceGraph& graph, const FaultSink& sink)
 
 void ValueChecker::check(const Entry& entry) {
     line_.reset();
+    braceEnd_.reset();
     hasComment_ = false;
     if (entry.value.empty()) {
         graph_.unset(entry.group, entry.key);
@@ -198,10 +199,9 @@ void ValueChecker::takeFault(const Entry& entry, Piece& piece, const TemplateTok
             report(RuleId::TemplateDollar, entry, span);
             break;
         case Problem::TemplateNotClosed: {
-            const std::string_view behind = entry.line.text.substr(span.end);
-            const bool isCut = behind.find('}') != behind.npos;
-            reportWithHint(RuleId::TemplateNotClosed, entry, {span.end, span.end}, {},
-                           isCut ? "a ';' ends the value, inside braces too" : "");
+            reportWithHint(
+                RuleId::TemplateNotClosed, entry, {span.end, span.end}, {},
+                hasBraceBehind(entry, span.end) ? "a ';' ends the value, inside braces too" : "");
             break;
         }
         case Problem::UnknownSource: {
@@ -218,6 +218,14 @@ void ValueChecker::takeFault(const Entry& entry, Piece& piece, const TemplateTok
             report(RuleId::EnvironmentFileForm, entry, span, shortened(token.argument));
             break;
     }
+}
+
+// Looks through the line once, however many templates are not closed in it.
+bool ValueChecker::hasBraceBehind(const Entry& entry, std::size_t offset) {
+    if (!braceEnd_) {
+        braceEnd_ = entry.line.text.rfind('}') + 1;  // 0: there is none
+    }
+    return *braceEnd_ > offset;
 }
 
 void ValueChecker::checkComment(const Entry& entry, const Piece& piece,
@@ -272,17 +280,16 @@ void ValueChecker::keep(const Entry& entry, const Piece& piece, const ConfigValu
         return;
     }
     if (!line_) {
-        line_ = std::make_shared<const KeptLine>(
-            KeptLine{entry.line.path, entry.line.number, std::string(entry.line.text)});
+        line_ = graph_.keepLine(entry.line);
     }
-    graph_.add(entry.group, entry.key, line_, piece.references, shiftOf(piece, value));
+    graph_.add(entry.group, entry.key, *line_, piece.references, shiftOf(piece, value));
 }
 
 // White space trimmed in front is not subtracted from the positions of references. A position past
 // the end makes the resolution fail; a word of unknown length behind it may still prevent that.
 std::optional<Shift> ValueChecker::shiftOf(const Piece& piece, const ConfigValue& value) {
     const std::vector<std::uint32_t>& positions = value.references->positions;
-    for (std::size_t index = 0; index < positions.size(); ++index) {
+    for (std::uint32_t index = 0; index < positions.size(); ++index) {
         const bool hasWordBehind = piece.first + piece.lastWord > piece.references[index].span.end;
         if (positions[index] > value.text.size() && !hasWordBehind) {
             return Shift{Severity::Error, index};

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,6 +52,7 @@ private:
     void takeToken(const Entry& entry, Piece& piece, const TemplateToken& token);
     void takeVariable(const Entry& entry, Piece& piece, const TemplateToken& token);
     void takeFault(const Entry& entry, Piece& piece, const TemplateToken& token);
+    [[nodiscard]] bool hasBraceBehind(const Entry& entry, std::size_t offset);
     void checkComment(const Entry& entry, const Piece& piece, const TemplateToken& literal);
     void store(const Entry& entry, const Piece& piece);
     void keep(const Entry& entry, const Piece& piece, const ConfigValue& value);
@@ -63,8 +64,9 @@ private:
     ReferenceGraph& graph_;
     const FaultSink& sink_;
     const std::map<std::string, std::string> variables_;
-    std::shared_ptr<const KeptLine> line_;  // of the entry at hand, once a value needs it
-    bool hasComment_ = false;               // in the entry at hand, told already
+    std::optional<std::uint32_t> line_;    // the entry's in the graph, once a value needs it
+    std::optional<std::size_t> braceEnd_;  // behind the entry's last '}', once a fault asks
+    bool hasComment_ = false;              // in the entry at hand, told already
 };
 
 }  // namespace Tarnwick::Parser::ConfigTool
