@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "template_expander.h"
 #include "template_text.h"
 #include "vocabulary.h"
 
@@ -51,6 +52,7 @@ std::string variableText(const std::string& name, const UserStory& story) {
 constexpr std::array<std::string_view, 6> kSources{
     "environment", "environment file", "canonical path", "dconf", "Android property", "command",
 };
+static_assert(kSources.size() == std::tuple_size_v<SourceReaders>, "a source lacks its name");
 
 }  // namespace
 
