@@ -38,18 +38,6 @@ std::map<std::string, std::string> wordsOfVariables() {
     return words;
 }
 
-std::string suggestedVariable(std::string_view name) {
-    std::vector<std::string_view> names;
-    for (const Tool::TemplateVariable& variable : Tool::templateVariables()) {
-        names.push_back(variable.name);
-    }
-    return suggestion(name, names);
-}
-
-std::string suggestedSource(std::string_view name) {
-    return suggestion(name, {templateSourceNames().begin(), templateSourceNames().end()});
-}
-
 bool isGeneratedUserKey(const Entry& entry) {
     const auto keys = Tool::generatedUserKeys();
     return entry.group == kGroupGeneratedConfig &&
