@@ -8,7 +8,7 @@ from pathlib import Path
 
 import pytest
 
-from support.tool import EMULATOR, TOOL
+from support.tool import EMULATOR, TOOL, is_watched
 from watching import close_sessions
 
 
@@ -47,8 +47,7 @@ def as_root():
 @pytest.fixture
 def plain_build():
     """What watches over a build needs memory, processes and files of its own, where the tool does not."""
-    content = Path(TOOL).read_bytes()
-    if any(watcher in content for watcher in (b"__asan_init", b"__tsan_init", b"__gcov_exit")):
+    if is_watched(TOOL):
         pytest.skip("limits are for builds without sanitizers and counters")
 
 

@@ -1,6 +1,7 @@
 """Runs the built program the way its users do: real arguments, exact bytes, real exit status."""
 
 import os
+import pathlib
 import shlex
 import subprocess
 
@@ -29,6 +30,12 @@ def config_command(*arguments):
 def run_config(*arguments, env=None, **options):
     """Runs tarnwick-config as `run_tool` runs the tool."""
     return run_command(config_command(*arguments), env, options)
+
+
+def is_watched(program):
+    """Whether sanitizers or counters of lines are built in: they need memory and files of their own."""
+    content = pathlib.Path(program).read_bytes()
+    return any(watcher in content for watcher in (b"__asan_init", b"__tsan_init", b"__gcov_exit"))
 
 
 def clean_environment(**variables):
