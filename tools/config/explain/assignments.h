@@ -62,7 +62,7 @@ public:
 private:
     [[nodiscard]] Assignment& assignmentOf(const LoadEvent& event, const LineOrigin& origin,
                                            std::size_t file);
-    void addPiece(const LoadEvent& event, Assignment& assignment);
+    static void addPiece(const LoadEvent& event, Assignment& assignment);
     void unsetBefore();
 
     KeyName name_;

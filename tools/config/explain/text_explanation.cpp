@@ -38,7 +38,9 @@ std::string counted(std::size_t count, std::string_view noun) {
 }
 
 std::string padding(std::size_t width, std::size_t wanted) {
-    return std::string(wanted > width ? wanted - width : 0, ' ');
+    std::string blanks;
+    blanks.resize(wanted > width ? wanted - width : 0, ' ');
+    return blanks;
 }
 
 std::string padded(std::string_view text, std::size_t wanted) {
