@@ -120,6 +120,11 @@ bool KnownNames::hasKey(const std::string& group, const std::string& key) const 
            (known->second.hasEveryKey || known->second.keys.contains(key));
 }
 
+bool KnownNames::lists(const std::string& group, const std::string& key) const {
+    const auto known = groups_.find(group);
+    return known != groups_.end() && known->second.keys.contains(key);
+}
+
 std::vector<std::string_view> KnownNames::groups() const {
     std::vector<std::string_view> names;
     for (const auto& [name, group] : groups_) {
