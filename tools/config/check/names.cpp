@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::size_t kLongestName = 40;  // no longer one is like a name of the vocabulary
 
-// A letter in the other case costs 1, any other edit this much.
-constexpr std::size_t kEdit = 4;
+// A letter in the other case costs 1, any other edit more than all letters of a name.
+constexpr std::size_t kEdit = kLongestName + 1;
 
 char lowerCase(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
@@ -69,7 +69,7 @@ bool mayBeNear(std::string_view name, std::string_view candidate, std::size_t le
 
 // One edit in a short name, one in three letters of a long one; any number of letters' cases.
 std::size_t farthest(std::size_t length) {
-    return std::max<std::size_t>(1, length / 3) * kEdit + length;
+    return std::max<std::size_t>(1, length / 3) * kEdit + kLongestName;
 }
 
 }  // namespace
