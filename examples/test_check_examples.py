@@ -108,3 +108,12 @@ def test_vims_syntax_tells_the_parts_of_a_line(environment, tmp_path):
     assert vim(commands, environment, tmp_path) == [
         f"tarnwick{part}" for part in "Comment Group Key Equals Value Separator Escape Template Dollar Fault".split()
     ]
+
+
+@pytest.mark.skipif(not shutil.which("vim"), reason="vim is not installed")
+@pytest.mark.parametrize("path", ["tarnwick.conf.d/a.conf", "tarnwick.conf.d/a.txt", "other.conf.d/a.conf"])
+def test_vim_knows_files_of_the_directories_that_are_read(path, environment, tmp_path):
+    (tmp_path / path).parent.mkdir()
+    (tmp_path / path).write_text(GOOD)
+    [found] = vim([f"edit! {path}", 'call writefile([&filetype], "out")'], environment, tmp_path)
+    assert (found == "tarnwick") == (path == "tarnwick.conf.d/a.conf")

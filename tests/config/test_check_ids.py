@@ -233,6 +233,25 @@ def test_keys_below_a_rejected_header_or_in_an_unknown_group_are_not_judged(chec
     assert found == ["a.conf:1:8 error group-not-closed", "a.conf:4:2 warning unknown-group"]
 
 
+def test_keys_below_a_rejected_header_unset_nothing(check):
+    ring = in_config("Arch=${config:Config/Arch}", "[Other", "Arch=")
+    assert check(ring)[1] == ["a.conf:3:7 error group-not-closed", "a.conf:2:6 error reference-circle"]
+
+
+def test_a_key_that_ends_in_a_blank_is_told_in_every_known_group(check):
+    assert check("[Logging]\nLogTarget = journal\ntest = loud\n")[1] == [
+        "a.conf:2:1 warning key-blank",
+        "a.conf:3:1 warning key-blank",
+    ]
+    assert check("[Mine]\nA =1\n", "--known=Mine")[1] == ["a.conf:2:1 warning key-blank"]
+    assert check("[Mine]\nA =1\n", "--known=Mine", "--known=Mine/A ") == (0, [])
+
+
+def test_a_reference_to_a_known_name_that_is_not_set_gets_no_suggestion(run):
+    output = run(in_config("Arch=${config:Config/Hostname}"), "check", "conf.d").stdout
+    assert b"reference-undefined" in output and b"did you mean" not in output
+
+
 def test_who_refers_to_a_key_at_fault_has_no_fault_of_its_own(check):
     chain = [f"N{number}=${{config:Config/N{number + 1}}}" for number in range(100)] + ["N100=x"]
     status, found = check(in_config(*chain), "--known=Config")
@@ -296,6 +315,13 @@ def test_references_to_other_files_are_judged_only_over_whole_directories(run):
         ("[Config] # x\n", "behind the ']'"),
         (in_config("Arch=${system:a;b}"), "a ';' ends the value"),
         (in_config("Arch=$x"), "write '$$'"),
+        (in_config("Arch=$HOME/x"), "'${NAME}' for a variable"),
+        (in_config("Arch=${env}"), "write '${SOURCE:NAME}'"),
+        (in_config("Arch= ${config:Config/Hostname}"), "remove the white space"),
+        (in_config("Ho\u00a0st=1"), "a blank pasted from a document"),
+        (in_config("Host\u200bname=1"), "a blank pasted from a document"),
+        ("Arch=1\n", "write a group such as '[Config]'"),
+        (in_config("Mounts=/a /b"), "SOURCE TARGET TYPE OPTIONS"),
     ],
 )
 def test_a_hint_names_the_cause(text, hint, run):
@@ -314,6 +340,8 @@ def test_a_hint_names_the_cause(text, hint, run):
         (in_config("Arch=${HOM}"), "'HOME'"),
         (in_config("Arch=${home}"), "'HOME'"),
         (in_config("Arch=${confg:A/B}"), "'config'"),
+        (in_config("Arch=${config:Config/Hostnmae}"), "'Hostname'"),
+        (in_config("Arch=${config:config/Hostname}"), "'Config'"),
     ],
 )
 def test_a_near_name_is_suggested_in_the_message(text, suggested, run):

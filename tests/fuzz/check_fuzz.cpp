@@ -72,7 +72,7 @@ void checkFile(const std::string& content) {
     FileChecker checker(names, graph, sink);
     LineReader reader(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     Fuzz::check(checker.check(path, reader, [] { return true; }), "the file is read to its end");
-    graph.judge(true, sink);
+    graph.judge(true, names, sink);
 }
 
 }  // namespace

@@ -52,7 +52,7 @@ public:
         if (firstDirectory_ != nullptr && !hasFile_) {
             sink_(makeFault(RuleId::NoConfiguration, {*firstDirectory_}));
         }
-        graph_.judge(hasAllFiles(), sink_);
+        graph_.judge(hasAllFiles(), names_, sink_);
         report_->finish(summary_);
         (void)flush();
         return status();

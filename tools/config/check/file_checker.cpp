@@ -78,6 +78,11 @@ constexpr std::array kCauses{
              },
              "a quote pasted from a document: nothing is quoted here"},
     CauseRow{[](const Rejected& rejected) {
+                 return isOneOf(rejected.fault, {"\u00A0", "\u00AD", "\u2007", "\u2009", "\u200B",
+                                                 "\u200C", "\u200D", "\u202F", "\u2060", "\u3000"});
+             },
+             "a blank pasted from a document, maybe one that nobody sees: remove it"},
+    CauseRow{[](const Rejected& rejected) {
                  return isOneOf(rejected.line.substr(0, 1), {" ", "\t", "\v", "\f"});
              },
              "nothing is indented or continued: remove the white space"},
@@ -231,13 +236,17 @@ void FileChecker::checkKey(const SourceLine& line, std::string_view key) {
         hasKeyWithoutGroup_ = true;
         Fault fault = makeFault(RuleId::UnknownGroup, line, span);
         fault.message = "no group stands above the key '" + shortened(key) + "'";
+        fault.hint = "write a group such as '[Config]' above it";
         sink_(fault);
     }
-    if (isGroupRejected_ || !isGroupKnown_ || names_.hasKey(group_, name)) {
+    if (isGroupRejected_ || !isGroupKnown_) {
         return;
     }
-    if (key.ends_with(' ')) {
+    if (key.ends_with(' ') && !names_.lists(group_, name)) {
         sink_(makeFault(RuleId::KeyBlank, line, span, shortened(key)));
+        return;
+    }
+    if (names_.hasKey(group_, name)) {
         return;
     }
     Fault fault = makeFault(RuleId::UnknownKey, line, span, shortened(key));

@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::size_t kLongestName = 40;  // no longer one is like a name of the vocabulary
 
-// A letter in the other case costs 1, any other edit this much.
-constexpr std::size_t kEdit = 4;
+// A letter in the other case costs 1, any other edit more than all letters of a name.
+constexpr std::size_t kEdit = kLongestName + 1;
 
 char lowerCase(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
@@ -71,7 +71,7 @@ bool mayBeNear(std::string_view name, std::string_view candidate, std::size_t le
 
 // One edit in a short name, one in three letters of a long one; any number of letters' cases.
 std::size_t farthest(std::size_t length) {
-    return std::max<std::size_t>(1, length / 3) * kEdit + length;
+    return std::max<std::size_t>(1, length / 3) * kEdit + kLongestName;
 }
 
 }  // namespace
@@ -137,6 +137,11 @@ bool KnownNames::hasKey(const std::string& group, const std::string& key) const 
     const auto known = groups_.find(group);
     return known != groups_.end() &&
            (known->second.hasEveryKey || known->second.keys.contains(key));
+}
+
+bool KnownNames::lists(const std::string& group, const std::string& key) const {
+    const auto known = groups_.find(group);
+    return known != groups_.end() && known->second.keys.contains(key);
 }
 
 std::vector<std::string_view> KnownNames::groups() const {

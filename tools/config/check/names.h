@@ -34,6 +34,8 @@ public:
 
     [[nodiscard]] bool hasGroup(const std::string& group) const { return groups_.contains(group); }
     [[nodiscard]] bool hasKey(const std::string& group, const std::string& key) const;
+    /// Returns whether the key is known by its name, and not because its group has every key.
+    [[nodiscard]] bool lists(const std::string& group, const std::string& key) const;
 
     [[nodiscard]] std::vector<std::string_view> groups() const;
     [[nodiscard]] std::vector<std::string_view> keys(const std::string& group) const;

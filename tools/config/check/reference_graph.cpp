@@ -22,8 +22,13 @@ public:
     using Value = ReferenceGraph::Value;
     using Target = ReferenceGraph::Target;
 
-    Judgement(const ReferenceGraph& graph, bool hasAllFiles, const FaultSink& sink)
-        : graph_(graph), hasAllFiles_(hasAllFiles), sink_(sink), nodes_(graph.values_.size()) {}
+    Judgement(const ReferenceGraph& graph, bool hasAllFiles, const KnownNames& names,
+              const FaultSink& sink)
+        : graph_(graph),
+          hasAllFiles_(hasAllFiles),
+          names_(names),
+          sink_(sink),
+          nodes_(graph.values_.size()) {}
 
     void run() {
         for (std::uint32_t value = 0; value < nodes_.size(); ++value) {
@@ -196,9 +201,23 @@ private:
         for (const Target& target : targetsOf(value)) {
             const std::string& name = *graph_.names_[target.key];
             if (!keyOf(target).isSet && !isGenerated(name)) {
-                report(RuleId::ReferenceUndefined, value, target, shortened(name));
+                Fault fault = faultAt(RuleId::ReferenceUndefined, value, target, shortened(name));
+                fault.message += suggestionFor(name);
+                sink_(fault);
             }
         }
+    }
+
+    // Not for a name that readers know: it is written as it was meant.
+    [[nodiscard]] std::string suggestionFor(const std::string& name) const {
+        const std::size_t slash = name.find('/');
+        const std::string group = name.substr(0, slash);
+        const std::string key = name.substr(slash + 1);
+        if (names_.hasKey(group, key)) {
+            return {};
+        }
+        return names_.hasGroup(group) ? suggestion(key, names_.keys(group))
+                                      : suggestion(group, names_.groups());
     }
 
     // A generator writes its keys when it runs; the files at hand need not have them.
@@ -278,6 +297,7 @@ private:
 
     const ReferenceGraph& graph_;
     bool hasAllFiles_;
+    const KnownNames& names_;
     const FaultSink& sink_;
     std::vector<Node> nodes_;          // by value
     std::vector<std::uint32_t> open_;  // visited, and in no complete knot
@@ -319,8 +339,8 @@ void ReferenceGraph::unset(const std::string& group, const std::string& key) {
     }
 }
 
-void ReferenceGraph::judge(bool hasAllFiles, const FaultSink& sink) const {
-    Judgement(*this, hasAllFiles, sink).run();
+void ReferenceGraph::judge(bool hasAllFiles, const KnownNames& names, const FaultSink& sink) const {
+    Judgement(*this, hasAllFiles, names, sink).run();
 }
 
 // No group and no key holds a slash.

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "config/check/fault.h"
+#include "config/check/names.h"
 
 namespace Tarnwick::Parser::ConfigTool {
 
@@ -48,9 +49,9 @@ public:
     void unset(const std::string& group, const std::string& key);
 
     /// Tells every fault of the values that are left, in the order of their reading. References
-    /// to keys without a value are faults only when `hasAllFiles`. Takes time and memory in
-    /// proportion to the references, and no recursion.
-    void judge(bool hasAllFiles, const FaultSink& sink) const;
+    /// to keys without a value are faults only when `hasAllFiles`; near ones among the names are
+    /// suggested. Takes time and memory in proportion to the references, and no recursion.
+    void judge(bool hasAllFiles, const KnownNames& names, const FaultSink& sink) const;
 
 private:
     friend class Judgement;

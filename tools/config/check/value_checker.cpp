@@ -38,6 +38,11 @@ std::map<std::string, std::string> wordsOfVariables() {
     return words;
 }
 
+bool isSource(std::string_view name) {
+    const auto names = templateSourceNames();
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
 bool isGeneratedUserKey(const Entry& entry) {
     const auto keys = Tool::generatedUserKeys();
     return entry.group == kGroupGeneratedConfig &&
@@ -91,7 +96,9 @@ constexpr std::array kTypes{
             complainOfTarget},
     TypeRow{RuleId::LoggingLevel,
             [](const Entry& entry) {
-                return entry.group == Logging::kLoggingGroup && entry.key != Logging::kTargetKey;
+                // A key that ends in a blank is told as such: nobody knows what was meant.
+                return entry.group == Logging::kLoggingGroup && entry.key != Logging::kTargetKey &&
+                       !entry.key.ends_with(' ');
             },
             complainOfLevel},
 };
@@ -114,7 +121,9 @@ void ValueChecker::check(const Entry& entry) {
     braceEnd_.reset();
     hasComment_ = false;
     if (entry.value.empty()) {
-        graph_.unset(entry.group, entry.key);
+        if (entry.isOfKnownGroup) {
+            graph_.unset(entry.group, entry.key);
+        }
         return;
     }
     checkQuotes(entry);
@@ -182,6 +191,9 @@ void ValueChecker::takeVariable(const Entry& entry, Piece& piece, const Template
         piece.isFaulty = true;
         Fault fault = makeFault(RuleId::UnknownVariable, entry.line, span, shortened(token.name));
         fault.message += suggestedVariable(token.name);
+        if (isSource(token.name)) {
+            fault.hint = "a source has to know what to read: write '${SOURCE:NAME}'";
+        }
         sink_(fault);
         return;
     }
