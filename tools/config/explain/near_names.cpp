@@ -22,7 +22,7 @@ std::vector<std::string> nearKeys(const ConfigParser& parser, const KeyName& nam
         const bool mayDiffer = group == name.group || !isGroupKnown;
         const std::string near = mayDiffer ? nearestKey(parser, group, name.key) : name.key;
         if (!near.empty() && parser.hasKey(group, near) && found.size() < kMostNames) {
-            found.push_back(group + '/' + near);
+            found.emplace_back(group).append(1, '/').append(near);
         }
     }
     return found;
