@@ -127,7 +127,7 @@ def test_empty_pieces_alone_are_told(rows):
         ("${confg:A/B}", "no source is named 'confg'; did you mean 'config'?"),
         ("${config:A}", "'A' names no group and key; write '${config:GROUP/KEY}'"),
         ("${envfile:x}", "'x' names no path and variable; write '${envfile:PATH:VARIABLE}'"),
-        ("a$", "expected '{' or '$' after '$'; write '$$' for a '$'"),
+        ("a$", "expected '{' or '$' after '$'; write '$$' for a '$', '${NAME}' for a variable"),
         ("${HOME", "expected '}' at the end of the template"),
         ("${INSTANCE}", "its templates come to an empty text"),
     ],
@@ -248,7 +248,7 @@ def test_a_shift_is_told_with_the_key_and_what_to_do(explain, rows):
     text = in_config("K=${config:Config/L}", "L=x ${config:Config/M}", "M=1")
     shift = (
         "white space is trimmed from the value, and the reference '${config:Config/M}' then stands past its end; "
-        "put a character before and behind the white space"
+        "remove the white space, or put other characters before and behind it"
     )
     assert explain(text, "K")[0] == 1
     assert rows(text, "K")[:2] == [
@@ -263,7 +263,7 @@ def test_a_reference_that_trimming_moved_is_told(explain, value):
     assert any(
         line.endswith(
             ": white space is trimmed from the value, and the reference '${config:Config/L}' no longer stands where it "
-            "was written; put a character before and behind the white space"
+            "was written; remove the white space, or put other characters before and behind it"
         )
         for line in lines
     )
