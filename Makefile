@@ -10,6 +10,7 @@ help:
 run: deps-build build-release  ## build, and answer requests over the example configuration
 	examples/show build/release/tools/tarnwick-parse-config
 	examples/check build/release/tools/config/tarnwick-config
+	examples/explain build/release/tools/config/tarnwick-config
 
 test: deps-test build-dev  ## build, and run the tests that every change must pass
 	scripts/run-tests build/dev -j2

@@ -214,11 +214,13 @@ def help_options(*command):
 
 
 def test_the_commands_are_offered_first(offers):
-    assert sorted(offers("tarnwick-config ")) == ["check", "files"]
+    commands = re.findall(r"^  ([a-z]+) ", run_config("--help").stdout.decode(), flags=re.MULTILINE)
+    assert "check" in commands
+    assert sorted(offers("tarnwick-config ")) == sorted(commands)
     assert offers("tarnwick-config --config vendor.conf.d --instance check ch") == ["check"]
 
 
-@pytest.mark.parametrize("command", ["check", "files"])
+@pytest.mark.parametrize("command", ["check", "files", "explain", "expand"])
 def test_a_dash_offers_the_options_of_the_command_and_of_every_command(command, offers):
     expected = help_options() | help_options(command)
     assert set(offers(f"tarnwick-config {command} -")) | {"--help", "--version"} == expected
@@ -271,3 +273,10 @@ def test_completion_loads_nothing_and_runs_nothing(shell):
 
 def test_an_option_of_every_command_may_stand_behind_the_command(offers):
     assert sorted(offers("tarnwick-config check --instance x --format ")) == ["gcc", "json", "text"]
+
+
+def test_explain_offers_groups_and_keys_in_reach(offers):
+    line = "tarnwick-config explain --config user.conf.d "
+    assert sorted(word.rstrip("/") for word in offers(line)) == sorted([*vocabulary(), "Other"])
+    assert sorted(offers("tarnwick-config --config vendor.conf.d explain Config/Ow")) == ["Config/OwnKey"]
+    assert sorted(offers("tarnwick-config explain --format ")) == ["json", "text"]

@@ -38,6 +38,14 @@ def test_the_check_of_make_run_shows_what_it_announces(environment, tmp_path):
     assert "examples/broken.conf.d/20-broken.conf:42:12: error: " in result.stdout
 
 
+def test_the_explanation_of_make_run_ends_with_the_current_value(environment, tmp_path):
+    result = run([ROOT / "examples" / "explain", tmp_path / "bin" / "tarnwick-config"], environment, cwd="/")
+    assert (result.returncode, result.stderr) == (0, "")
+    lines = [" ".join(line.split()) for line in result.stdout.splitlines()]
+    assert "examples/user.conf.d/40-storage.conf:3 = unset: 1 value gone" in lines
+    assert "examples/user.conf.d/40-storage.conf:4 = ${HOME}/.${config:Config/Hostname} current" in lines
+
+
 @pytest.mark.skipif(not shutil.which("git"), reason="git is not installed")
 def test_the_hook_refuses_what_is_staged_and_lets_the_rest_pass(environment, tmp_path):
     repository = tmp_path / "repository"

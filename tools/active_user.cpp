@@ -138,11 +138,12 @@ std::int32_t watchSeat(LoginMonitor& monitor, std::int32_t first, int timeoutSec
 }
 
 // Loads the generated keys alone. Returns false when a file failed.
-bool loadGenerated(ConfigParser& parser, const std::vector<std::string>& directories) {
+bool loadGenerated(ConfigParser& parser, const std::vector<std::string>& directories,
+                   const LoadListener& listener) {
     for (const std::string* key : generatedUserKeys()) {
         parser.addKey(kGroupGeneratedConfig, *key, KeyMode::Replace);
     }
-    return parser.loadConfigs(directories) != LoadResult::InvalidConfiguration;
+    return parser.loadConfigs(directories, listener) != LoadResult::InvalidConfiguration;
 }
 
 // Finds the user of the seat where no user is known. Returns whether there is a user then.
@@ -183,12 +184,12 @@ std::span<const std::string* const> generatedUserKeys() {
 
 int resolveUser(const std::vector<std::string>& directories, std::int32_t* userId,
                 std::string* userName, std::string* instance, std::string* home,
-                std::int32_t* baseUid, UserOrigins* origins) {
+                std::int32_t* baseUid, UserOrigins* origins, const LoadListener& listener) {
     UserOrigins ignored;
     UserOrigins& from = origins != nullptr ? *origins : ignored;
     from = {};
     ConfigParser parser(0);
-    if (!loadGenerated(parser, directories)) {
+    if (!loadGenerated(parser, directories, listener)) {
         return -1;
     }
     if (hasGeneratedUser(parser)) {

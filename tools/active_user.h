@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "load_event.h"
+
 namespace Tarnwick::Parser::Tool {
 
 /// Returns the keys of the group "GeneratedConfig" that tell whose configuration it is. They are
@@ -35,14 +37,16 @@ struct UserOrigins {
 /// Instance or empty. Without any user id the user of seat0 is taken, who is waited for up to 30
 /// seconds. User name and home always come from the password database in the end.
 ///
-/// `origins`, when given, is set as far as the fields were settled.
+/// `origins`, when given, is set as far as the fields were settled. `listener` hears the load of
+/// these keys, a file's faults among them.
 ///
 /// Returns 0, or -1 when a file failed to load, no user was found or the user has no password
 /// entry; the cause has been logged by then. Throws `std::length_error` as
 /// `ConfigParser::loadConfigs` does, and `std::out_of_range` as `ConfigParser::getValue` does.
 [[nodiscard]] int resolveUser(const std::vector<std::string>& directories, std::int32_t* userId,
                               std::string* userName, std::string* instance, std::string* home,
-                              std::int32_t* baseUid, UserOrigins* origins = nullptr);
+                              std::int32_t* baseUid, UserOrigins* origins = nullptr,
+                              const LoadListener& listener = {});
 
 /// Returns the uid of the seat0 user, waiting for one to log in. A time-out of 0 means one look
 /// without waiting, a negative one a wait without limit; a login service that cannot be watched is

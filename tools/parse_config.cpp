@@ -4,16 +4,13 @@
 #include <iostream>
 #include <optional>
 #include <string>
-#include <vector>
 
-#include "active_user.h"
 #include "command_line.h"
 #include "config_parser.h"
 #include "logging/log_record.h"
 #include "logging/logger_config.h"
 #include "process_setup.h"
-#include "support/join_strings.h"
-#include "template_variables.h"
+#include "request.h"
 
 namespace {
 
@@ -22,14 +19,6 @@ using namespace Tarnwick::Parser::Logging;
 using namespace Tarnwick::Parser::Tool;
 
 enum ExitStatus : int { ExitSuccess = 0, ExitFailure = 1, ExitNoValue = 2 };
-
-bool load(ConfigParser& parser, const std::vector<std::string>& directories) {
-    const LoadResult result = parser.loadConfigs(directories);
-    if (result == LoadResult::NoConfiguration) {
-        std::cerr << "No configuration to read in " << joinStrings(directories, ',') << '\n';
-    }
-    return result == LoadResult::Ok;
-}
 
 // A value that could not be written is never reported as success.
 ExitStatus print(const std::string& text) {
@@ -41,42 +30,19 @@ ExitStatus print(const std::string& text) {
     return ExitSuccess;
 }
 
-// The library's calling order: the test, then the check and the test that go with the lookup.
-// Each may log its warning.
-bool hasValue(const ConfigParser& parser, const std::string& group, const std::string& key) {
-    if (!parser.hasKey(group, key)) {
-        return false;
-    }
-    parser.checkKeyAdded(group, key);
-    return parser.hasKey(group, key);
-}
-
-ExitStatus printValue(const ConfigParser& parser, const Options& options) {
-    if (!hasValue(parser, options.group, options.key)) {
-        return ExitNoValue;
-    }
-    if (options.list) {
-        std::vector<std::string> values;
-        parser.getValue(options.group, options.key, values);
-        return print(joinStrings(values, ';'));
-    }
-    std::string value;
-    parser.getValue(options.group, options.key, value);
-    return print(value);
-}
-
 ExitStatus answer(const Options& options) {
     User user{options.userId, "", "", options.instance};
-    if (resolveUser(options.directories, &user.id, &user.name, &user.instance, &user.home,
-                    nullptr) < 0) {
+    if (!settleUser(user, options.directories)) {
         return ExitFailure;
     }
     ConfigParser parser(user.id);
-    setVariables(parser, user);
-    if (!load(parser, options.directories)) {
+    if (!loadForUser(parser, user, options.directories)) {
         return ExitFailure;
     }
-    return printValue(parser, options);
+    const std::optional<std::string> text =
+        findAnswer(parser, options.group, options.key,
+                   options.list ? Wanted::AllValues : Wanted::CurrentValue);
+    return text ? print(*text) : ExitNoValue;
 }
 
 // What an exception says names the place: file, line, group and key when it left a load, group and

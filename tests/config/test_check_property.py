@@ -52,9 +52,12 @@ def make_sure_case(seed):
 
 
 def settle_user(content):
-    """A generated user is root, whose entry in the password database there is on every machine."""
+    """A generated user is root, whose entry in the password database there is on every machine,
+    and always has an instance: without one that variable would be empty."""
+    instance = b"Instance=" + WORD.encode()
     content = re.sub(rb"^UserId=.*$", b"UserId=0", content, flags=re.MULTILINE)
-    return re.sub(rb"^Instance=.*$", b"Instance=" + WORD.encode(), content, flags=re.MULTILINE)
+    content = re.sub(rb"^Instance=.*$", instance, content, flags=re.MULTILINE)
+    return re.sub(rb"^BaseUid=.*$", rb"\g<0>\n" + instance, content, flags=re.MULTILINE)
 
 
 def entries_of(case):

@@ -84,6 +84,49 @@ def test_lists_of_files_fit_the_schema(run, tmp_path):
     assert report_of("files", run({}, "files", "--format=json", "nowhere")) == {"files": []}
 
 
+def explained(run, files, *arguments, **options):
+    result = run(files, "explain", "--format=json", "--config=conf.d", "--user-id=0", *arguments, **options)
+    return valid_json("explain", result.stdout)
+
+
+def members(report, name):
+    """Every value of the member, at any depth."""
+    if isinstance(report, list):
+        return [value for each in report for value in members(each, name)]
+    if not isinstance(report, dict):
+        return []
+    own = [report[name]] if name in report else []
+    return own + members(list(report.values()), name)
+
+
+def test_explanations_with_all_that_can_become_of_a_value_fit_the_schema(run):
+    lines = ["K=1", "K=", "K=;${env:E_NONE}${config:A/B};2", "K=${USER}${config:Config/L}${config:A/B}", "L=1"]
+    lines += [f"K={'${config:Config/L}' * 33}", "K=${config:Config/K}"]
+    reports = [explained(run, in_config(*lines), "K"), explained(run, in_config("K=1", "K= "), "K")]
+    reports.append(explained(run, in_config("K=${env:E_NONE}${config:A/B}", "K=${config:A/B}${env:E_NONE}"), "K"))
+    reports.append(explained(run, in_config("K=1", "oops"), "K"))
+    reports.append(explained(run, "[GeneratedConfig]\nUserId=0\nUser=\nHome=/\nBaseUid=1\nUser=u\n", "Nope"))
+    reports.append(explained(run, "[GeneratedConfig]\nUserId=0\n", "GeneratedConfig/UserId"))
+    defined = schema_of("explain").schema["$defs"]
+    assert set(members(reports, "outcome")) == set(defined["piece"]["properties"]["outcome"]["enum"])
+    assert set(members(reports, "kind")) == set(defined["template"]["properties"]["kind"]["enum"])
+    assert set(members(reports, "status")) == {0, 1, 2}
+
+
+def test_an_explanation_has_the_bytes_of_texts_that_are_no_utf8(run):
+    text = b"[Config]\nK=" + NO_UTF8 + b"${system:printf '\\377'}\n"
+    report = explained(run, {"a.conf": text}, "K")
+    assert base64.b64decode(report["valueBase64"]) == NO_UTF8 + b"\xff"
+    assert len(members(report, "textBase64")) == 3
+
+
+@pytest.mark.parametrize("change", [{"status": 3}, {"value": None}, {"values": 0}, {"near": [1]}, {"other": 1}])
+def test_the_schema_takes_no_explanation_that_is_none(change, run):
+    report = explained(run, in_config("K=1"), "K")
+    with pytest.raises(jsonschema.ValidationError):
+        schema_of("explain").validate({**report, **change})
+
+
 FAULT = {
     "path": "a.conf",
     "line": 1,

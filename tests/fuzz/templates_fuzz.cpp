@@ -1,148 +1,130 @@
-// The template language: expansion, expansion of the result, resolution of references.
-// Input: the text of a value.
+// The template language: tokens, expansion, expansion of the result, resolution of references.
+// Input: the text of a value. The differential tests compare what comes out with a second
+// implementation; here it is what must hold of any text.
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 
 #include "config_parser.h"
-#include "plain/store.h"
-#include "plain/templates.h"
 #include "support/captured_streams.h"
 #include "support/check.h"
+#include "support/surroundings.h"
+#include "template_text.h"
 
 using namespace Tarnwick::Parser;
-using Fuzz::PlainOutcome;
-using Fuzz::PlainValue;
 using Fuzz::shown;
 
 namespace {
 
 constexpr const char* kTextBefore = "text before";
 
-std::string described(const PlainValue& value) {
-    std::string text = shown(value.text);
-    for (std::size_t index = 0; index < value.targets.size(); ++index) {
-        text += ' ' + std::to_string(value.positions[index]) + ':' +
-                shown(value.targets[index].first) + '/' + shown(value.targets[index].second);
+std::string described(const ConfigValue& value) {
+    std::string text = shown(value.text) + ' ' + std::to_string(value.hasReferences);
+    if (value.references) {
+        Fuzz::check(value.references->targets.size() == value.references->positions.size(),
+                    "there is a position per target");
+        for (std::size_t index = 0; index < value.references->targets.size(); ++index) {
+            const auto& [group, key] = value.references->targets[index];
+            text += ' ' + std::to_string(value.references->positions[index]) + ':' + shown(group) +
+                    '/' + shown(key);
+        }
     }
     return text;
 }
 
-PlainValue plain(const ConfigValue& value) {
-    PlainValue made{value.text, {}, {}};
-    if (value.references) {
-        made.targets = value.references->targets;
-        made.positions.assign(value.references->positions.begin(),
-                              value.references->positions.end());
+// Returns whether the text has a fault of form.
+bool checkTokens(const std::string& text) {
+    TemplateCursor cursor(text);
+    TemplateToken token;
+    std::size_t end = 0;
+    bool isFaulty = false;
+    while (cursor.next(token)) {
+        Fuzz::check(token.first == end && token.end > token.first && token.end <= text.size(),
+                    "tokens follow each other without a gap");
+        end = token.end;
+        isFaulty = isFaulty || token.kind == TemplateToken::Kind::Fault;
     }
-    Fuzz::check(made.targets.size() == made.positions.size(), "there is a position per target");
-    Fuzz::checkEqual(made.targets.empty() ? 0 : 1, value.hasReferences, "marked by references");
-    return made;
+    Fuzz::check(end == text.size(), "tokens make up the text");
+    return isFaulty;
 }
 
-/// The other keys that references can lead to.
-void addOtherKeys(ConfigParser& parser, Fuzz::PlainStore& store) {
-    const std::pair<Fuzz::PlainKey, std::string> keys[] = {
-        {{"A", "B"}, "plain"},
-        {{"A", "Self"}, "x${config:A/Self}"},
-        {{"A", "Two"}, "<${config:A/B}|${config:A/B}>"},
-        {{"A", "Fan"}, "${config:A/Two}${config:A/Two}${config:A/Two}${config:A/Two}"},
-        {{"A", "Odd"}, " \t x${config:A/B}"},
-        {{"A", "Text"}, "${config:Text/Text}"},
+void addOtherKeys(ConfigParser& parser) {
+    const std::pair<const char*, const char*> keys[] = {
+        {"B", "plain"},
+        {"Self", "x${config:A/Self}"},
+        {"Two", "<${config:A/B}|${config:A/B}>"},
+        {"Fan", "${config:A/Two}${config:A/Two}${config:A/Two}${config:A/Two}"},
+        {"Odd", " \t x${config:A/B}"},
+        {"Text", "${config:Text/Text}"},
     };
     for (const auto& [key, text] : keys) {
         ConfigValue value;
         Fuzz::check(parser.parseTemplates(text, value), "the other keys are good");
-        parser.appendValue(key.first, key.second, value);
-        store.values[key] = {Fuzz::expandPlainly(text).value};
+        parser.appendValue("A", key, value);
     }
 }
 
-template <typename Action>
-PlainOutcome outcomeOf(const Action& action) {
-    try {
-        return action() ? PlainOutcome::Expanded : PlainOutcome::Failed;
-    } catch (const std::length_error&) {
-        return PlainOutcome::Refused;
-    }
-}
-
-void checkOutcome(PlainOutcome expected, PlainOutcome seen, const std::string& what) {
-    Fuzz::checkEqual(static_cast<int>(expected), static_cast<int>(seen),
-                     what + " is expanded (0), fails (1) or is refused (2)");
-}
-
-// Returns the value when the text can be expanded.
-bool checkExpansion(const ConfigParser& parser, const std::string& text, ConfigValue& value,
-                    PlainValue& expectedValue) {
-    const Fuzz::PlainExpansion expected = Fuzz::expandPlainly(text);
-    const Fuzz::CapturedLog log;
+// Returns nothing when the text fails or is refused.
+std::optional<ConfigValue> expanded(const ConfigParser& parser, const std::string& text) {
+    ConfigValue value;
     value.text = kTextBefore;
-    checkOutcome(expected.outcome, outcomeOf([&] { return parser.parseTemplates(text, value); }),
-                 shown(text));
-    Fuzz::checkEqual(expected.log, log.text(), "the log of expanding " + shown(text));
-    if (expected.outcome != PlainOutcome::Expanded) {
-        Fuzz::checkEqual(kTextBefore, value.text, "a text that fails changes nothing");
-        return false;
-    }
-    expectedValue = expected.value;
-    Fuzz::checkEqual(described(expectedValue), described(plain(value)), "expanding " + shown(text));
-    return true;
-}
-
-void checkAnotherExpansion(const ConfigParser& parser, ConfigValue value,
-                           const PlainValue& before) {
-    const Fuzz::PlainExpansion expected = Fuzz::expandPlainly(value.text, before);
     const Fuzz::CapturedLog log;
-    const std::string what = "expanding " + shown(value.text) + " again";
-    const PlainOutcome outcome = outcomeOf([&] { return parser.reparseValue(value); });
-    checkOutcome(expected.outcome, outcome, what);
-    Fuzz::checkEqual(expected.log, log.text(), "the log of " + what);
-    if (outcome == PlainOutcome::Expanded) {
-        Fuzz::checkEqual(described(expected.value), described(plain(value)), what);
-    } else if (outcome == PlainOutcome::Failed) {
-        Fuzz::checkEqual(described(PlainValue()), described(plain(value)), what);
+    try {
+        if (parser.parseTemplates(text, value)) {
+            Fuzz::checkEqual("", log.text(), "a text that expands is not complained about");
+            return value;
+        }
+        Fuzz::check(!log.text().empty(), "a text that fails is complained about");
+    } catch (const std::length_error&) {
+        Fuzz::checkEqual("", log.text(), "a refused text is told by the exception alone");
+    }
+    Fuzz::checkEqual(kTextBefore, value.text, "a text that fails changes nothing");
+    return std::nullopt;
+}
+
+void checkAnotherExpansion(const ConfigParser& parser, ConfigValue value) {
+    const Fuzz::CapturedLog log;
+    try {
+        if (!parser.reparseValue(value)) {
+            Fuzz::checkEqual(described(ConfigValue()), described(value), "a failure clears");
+        }
+    } catch (const std::length_error&) {
+        Fuzz::checkEqual("", log.text(), "a refused text is told by the exception alone");
     }
 }
 
-void checkResolution(const ConfigParser& parser, const ConfigValue& value,
-                     const Fuzz::PlainResolution& expected) {
+// How resolving ends, in words.
+std::string resolved(const ConfigParser& parser, const ConfigValue& value) {
     const Fuzz::CapturedLog log;
     std::string text = "anything";
-    bool isOutOfRange = false;
     try {
         parser.resolveValue(value, text);
     } catch (const std::out_of_range&) {
-        isOutOfRange = true;
+        return "out of range";
     }
-    Fuzz::checkEqual(expected.end == Fuzz::PlainEnd::OutOfRange, isOutOfRange, "out of range");
-    Fuzz::checkEqual(expected.log, log.text(), "the log of resolving");
-    if (!isOutOfRange) {
-        Fuzz::checkEqual(expected.text, text, "the resolved text");
-    }
+    Fuzz::check(log.text().empty() || text.empty(), "too many references leave no text");
+    return shown(text) + log.text();
 }
 
 void checkText(const std::string& text) {
     ConfigParser parser(-1);
-    for (const auto& [name, variable] : Fuzz::surroundings().variables) {
-        parser.setVariable(name, variable);
-    }
-    Fuzz::PlainStore store;
-    addOtherKeys(parser, store);
+    Fuzz::setVariables(parser);
+    addOtherKeys(parser);
 
-    ConfigValue value;
-    PlainValue expected;
-    if (!checkExpansion(parser, text, value, expected)) {
+    const bool isFaulty = checkTokens(text);
+    const std::optional<ConfigValue> value = expanded(parser, text);
+    if (!value) {
         return;
     }
-    checkAnotherExpansion(parser, value, expected);
-
-    parser.replaceValues("Text", "Text", value);
-    store.values[{"Text", "Text"}] = {expected};
-    const Fuzz::PlainResolution resolution = Fuzz::resolvePlainly(store, expected);
-    checkResolution(parser, value, resolution);
-    checkResolution(parser, value, resolution);  // Resolving changes nothing.
+    Fuzz::check(!isFaulty, "a text with a fault of form does not expand");
+    Fuzz::checkEqual(described(*value), described(expanded(parser, text).value()),
+                     "expanding twice gives the same");
+    checkAnotherExpansion(parser, *value);
+    parser.replaceValues("Text", "Text", *value);
+    Fuzz::checkEqual(resolved(parser, *value), resolved(parser, *value),
+                     "resolving changes nothing");
 }
 
 }  // namespace
@@ -150,7 +132,6 @@ void checkText(const std::string& text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     if (!Fuzz::namesDevices(text)) {
-        (void)Fuzz::surroundings();
         checkText(text);
     }
     return 0;

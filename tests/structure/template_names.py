@@ -66,6 +66,7 @@ VARIABLES = Listing(
     "template variable",
     Place("tools/template_variables.cpp", r'TemplateVariable\{"(\w+)"'),
     [
+        Place("tools/config/explain/user_story.cpp", r'VariableRow\{"(\w+)"'),
         Place("README.md", TEMPLATE_WITHOUT_SOURCE, README_ROWS),
         Place("man/tarnwick.conf.5.scd", r"^\*(\w+)\*$", r"^## Variables$.*?^## "),
         Place("man/tarnwick-parse-config.1.scd", WORD_OF_A_LIST, r"(?<=The variables are )[^;]*"),

@@ -142,6 +142,19 @@ CLI::Option* addOperands(CLI::App& app, const char* name, std::vector<std::strin
         help);
 }
 
+std::string_view commandWord(const CLI::App& app, int count, const char* const* arguments) {
+    for (int index = 1; index < count; ++index) {
+        const std::string_view text = arguments[index];
+        if (!text.starts_with('-')) {
+            return text;
+        }
+        if (takesValue(app, std::string(text))) {
+            ++index;
+        }
+    }
+    return {};
+}
+
 void parseArguments(CLI::App& app, int count, const char* const* arguments) {
     std::vector<std::string> texts = prepared(app, count, arguments);
     std::reverse(texts.begin(), texts.end());  // the library takes them from the back

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace CLI {
@@ -23,6 +24,11 @@ void addOption(CLI::App& app, const std::string& name, const char* type, const c
 /// Declares the operands of a command, such as PATH. Their texts come out as they were typed.
 CLI::Option* addOperands(CLI::App& app, const char* name, std::vector<std::string>& operands,
                          const char* help);
+
+/// Returns the first argument of `main` that is neither an option that the application has nor the
+/// value of one: the command. Empty when there is none.
+[[nodiscard]] std::string_view commandWord(const CLI::App& app, int count,
+                                           const char* const* arguments);
 
 /// Parses the arguments of `main`. Throws `CLI::ParseError`.
 void parseArguments(CLI::App& app, int count, const char* const* arguments);

@@ -49,7 +49,11 @@ struct Command {
 /// @{
 /// One function for each command; see the table.
 [[nodiscard]] Run addCheck(CLI::App& app);
+[[nodiscard]] Run addExpand(CLI::App& app);
+[[nodiscard]] Run addExplain(CLI::App& app);
 [[nodiscard]] Run addFiles(CLI::App& app);
+[[nodiscard]] Run addGet(CLI::App& app);
+[[nodiscard]] Run addShow(CLI::App& app);
 /// @}
 
 }  // namespace Tarnwick::Parser::ConfigTool

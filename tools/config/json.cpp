@@ -31,7 +31,7 @@ std::string base64(std::string_view bytes) {
 void setText(Json& object, const std::string& name, std::string_view text) {
     object[name] = text;
     if (findInvalidUtf8(text) != text.npos) {
-        object[name + "Base64"] = base64(text);
+        object[name + kBytesSuffix] = base64(text);
     }
 }
 

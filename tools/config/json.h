@@ -9,8 +9,11 @@ namespace Tarnwick::Parser::ConfigTool {
 /// An object whose members stay in their order.
 using Json = nlohmann::ordered_json;
 
+/// What the name of a member with the bytes of a text ends in.
+constexpr const char* kBytesSuffix = "Base64";
+
 /// Sets `object[name]` to the text. When the text is no UTF-8, what is none becomes U+FFFD, and
-/// `object[name + "Base64"]` has its bytes.
+/// `object[name + kBytesSuffix]` has its bytes.
 void setText(Json& object, const std::string& name, std::string_view text);
 
 /// Returns the value on one line, in ASCII.

@@ -3,9 +3,11 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -53,16 +55,13 @@ int refuse(const CLI::App& app, const CLI::ParseError& error) {
 /// The command line: what every command has, and the commands.
 class CommandLine {
 public:
-    CommandLine() {
+    CommandLine(int count, const char* const* arguments) {
         app_.set_help_flag("--help", "Print this help and exit");
         app_.set_version_flag("--version", std::string(kName) + " " TARNWICK_VERSION,
                               "Print the version and exit");
         addContextOptions(app_, context_);
         app_.require_subcommand(1);
-        for (const Command& command : commands()) {
-            CLI::App* added = app_.add_subcommand(command.name, command.summary)->fallthrough();
-            runs_.emplace_back(added, command.add(*added));
-        }
+        addCommands(commandWord(app_, count, arguments));
     }
 
     [[nodiscard]] int run(int count, const char* const* arguments) {
@@ -79,6 +78,19 @@ public:
     }
 
 private:
+    // To declare the options of every command would cost more than to answer a key: the others are
+    // there for the help text and the messages of a command line that chooses none.
+    void addCommands(std::string_view chosen) {
+        const auto isChosen = [&](const Command& command) { return command.name == chosen; };
+        const bool hasChosen = std::any_of(commands().begin(), commands().end(), isChosen);
+        for (const Command& command : commands()) {
+            if (!hasChosen || isChosen(command)) {
+                CLI::App* added = app_.add_subcommand(command.name, command.summary)->fallthrough();
+                runs_.emplace_back(added, command.add(*added));
+            }
+        }
+    }
+
     [[nodiscard]] int runChosen() const {
         for (const auto& [command, run] : runs_) {
             if (command->parsed()) {
@@ -95,7 +107,7 @@ private:
 
 int runOrReport(int count, const char* const* arguments) {
     try {
-        return CommandLine().run(count, arguments);
+        return CommandLine(count, arguments).run(count, arguments);
     } catch (const std::exception& error) {
         std::cerr << kName << ": " << escaped(error.what()) << '\n';
         return ExitUnavailable;

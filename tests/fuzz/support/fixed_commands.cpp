@@ -1,4 +1,4 @@
-#include "fixed_commands.h"
+// The commands that `popen` knows in the fuzz targets, which run no other.
 
 #include <sys/wait.h>
 
@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "check.h"
 
@@ -14,6 +15,21 @@ using namespace std::literals;
 
 namespace Fuzz {
 namespace {
+
+/// How a command comes to its end.
+enum class CommandEnd {
+    Exit,        ///< with the code of the row
+    Signal,      ///< of the number in the row
+    CannotOpen,  ///< `popen` fails
+    CannotWait,  ///< `pclose` fails
+};
+
+struct FixedCommand {
+    std::string_view line;
+    std::string_view output;
+    CommandEnd end;
+    int code;
+};
 
 // Longer than one read of the output.
 constexpr auto kLong = [] {
@@ -24,19 +40,29 @@ constexpr auto kLong = [] {
 constexpr std::string_view kLongText(kLong.data(), kLong.size());
 
 constexpr std::array kCommands{
-    FixedCommand{"hello", "hello\n"sv, "hello\n"sv, CommandEnd::Exit, 0},
-    FixedCommand{"lines", " a\nb = c;d \n\n"sv, " a\nb = c;d \n\n"sv, CommandEnd::Exit, 0},
-    FixedCommand{"long", kLongText, kLongText, CommandEnd::Exit, 0},
-    FixedCommand{"template", "${HOME} $$ $\n"sv, "${HOME} $$ $\n"sv, CommandEnd::Exit, 0},
-    FixedCommand{"nul", "ab\0cd\nef\n"sv, "abef\n"sv, CommandEnd::Exit, 0},
-    FixedCommand{"silent", ""sv, ""sv, CommandEnd::Exit, 0},
-    FixedCommand{"blank", " \n"sv, " \n"sv, CommandEnd::Exit, 0},
-    FixedCommand{"fails", "out\n"sv, "out\n"sv, CommandEnd::Exit, 1},
-    FixedCommand{"dies", "out\n"sv, "out\n"sv, CommandEnd::Signal, 9},
-    FixedCommand{"unopened", ""sv, ""sv, CommandEnd::CannotOpen, EMFILE},
-    FixedCommand{"unwaited", "out\n"sv, "out\n"sv, CommandEnd::CannotWait, ECHILD},
-    FixedCommand{"", ""sv, ""sv, CommandEnd::Exit, 127},
+    FixedCommand{"hello", "hello\n"sv, CommandEnd::Exit, 0},
+    FixedCommand{"lines", " a\nb = c;d \n\n"sv, CommandEnd::Exit, 0},
+    FixedCommand{"long", kLongText, CommandEnd::Exit, 0},
+    FixedCommand{"template", "${HOME} $$ $\n"sv, CommandEnd::Exit, 0},
+    FixedCommand{"nul", "ab\0cd\nef\n"sv, CommandEnd::Exit, 0},
+    FixedCommand{"silent", ""sv, CommandEnd::Exit, 0},
+    FixedCommand{"blank", " \n"sv, CommandEnd::Exit, 0},
+    FixedCommand{"fails", "out\n"sv, CommandEnd::Exit, 1},
+    FixedCommand{"dies", "out\n"sv, CommandEnd::Signal, 9},
+    FixedCommand{"unopened", ""sv, CommandEnd::CannotOpen, EMFILE},
+    FixedCommand{"unwaited", "out\n"sv, CommandEnd::CannotWait, ECHILD},
+    FixedCommand{"", ""sv, CommandEnd::Exit, 127},
 };
+
+/// The row of a command line, or the last one, for a command that is not found.
+const FixedCommand& fixedCommand(std::string_view line) {
+    for (const FixedCommand& command : kCommands) {
+        if (command.line == line) {
+            return command;
+        }
+    }
+    return kCommands.back();
+}
 
 /// The pipes that are open, so that every one is seen to be closed, once.
 std::map<FILE*, const FixedCommand*>& openPipes() {
@@ -74,20 +100,6 @@ int closeCommand(FILE* pipe) {
 }
 
 }  // namespace
-
-std::span<const FixedCommand> fixedCommands() {
-    return kCommands;
-}
-
-const FixedCommand& fixedCommand(std::string_view line) {
-    for (const FixedCommand& command : kCommands) {
-        if (command.line == line) {
-            return command;
-        }
-    }
-    return kCommands.back();
-}
-
 }  // namespace Fuzz
 
 // In place of the C library's own.

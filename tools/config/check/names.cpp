@@ -5,6 +5,8 @@
 #include <cstddef>
 
 #include "logging/logger_state.h"
+#include "template_text.h"
+#include "template_variables.h"
 #include "vocabulary.h"
 
 namespace Tarnwick::Parser::ConfigTool {
@@ -74,7 +76,7 @@ std::size_t farthest(std::size_t length) {
 
 }  // namespace
 
-std::string suggestion(std::string_view name, const std::vector<std::string_view>& names) {
+std::string_view nearestName(std::string_view name, const std::vector<std::string_view>& names) {
     if (name.empty() || name.size() > kLongestName) {
         return {};
     }
@@ -92,7 +94,24 @@ std::string suggestion(std::string_view name, const std::vector<std::string_view
             nearest = candidate;
         }
     }
+    return nearest;
+}
+
+std::string suggestion(std::string_view name, const std::vector<std::string_view>& names) {
+    const std::string_view nearest = nearestName(name, names);
     return nearest.empty() ? "" : "; did you mean '" + std::string(nearest) + "'?";
+}
+
+std::string suggestedVariable(std::string_view name) {
+    std::vector<std::string_view> names;
+    for (const Tool::TemplateVariable& variable : Tool::templateVariables()) {
+        names.push_back(variable.name);
+    }
+    return suggestion(name, names);
+}
+
+std::string suggestedSource(std::string_view name) {
+    return suggestion(name, {templateSourceNames().begin(), templateSourceNames().end()});
 }
 
 KnownNames::KnownNames() {

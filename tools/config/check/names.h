@@ -8,10 +8,20 @@
 
 namespace Tarnwick::Parser::ConfigTool {
 
-/// Returns "; did you mean 'NAME'?" with the name of the list that is nearest to `name`, or
-/// nothing when none is near. Letter case counts less than letters do.
+/// Returns the name of the list that is nearest to `name`, or nothing when none is near. Letter
+/// case counts less than letters do.
+[[nodiscard]] std::string_view nearestName(std::string_view name,
+                                           const std::vector<std::string_view>& names);
+
+/// Returns "; did you mean 'NAME'?" with the nearest name, or nothing when none is near.
 [[nodiscard]] std::string suggestion(std::string_view name,
                                      const std::vector<std::string_view>& names);
+
+/// @{
+/// The same for the template variables and for the sources of templates.
+[[nodiscard]] std::string suggestedVariable(std::string_view name);
+[[nodiscard]] std::string suggestedSource(std::string_view name);
+/// @}
 
 /// The groups and keys that a reader knows: the vocabulary, the group of the loggers, and names of
 /// one's own.

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "config/stored_values.h"
+#include "config_parser.h"
+
+namespace Tarnwick::Parser::ConfigTool {
+
+/// The groups and keys that a command line asks for.
+class Selection {
+public:
+    /// Each name is GROUP or GROUP/KEY. Without any, every key is selected.
+    explicit Selection(const std::vector<std::string>& names);
+
+    /// Returns whether the key is selected, and notes what has selected it.
+    [[nodiscard]] bool takes(const std::string& group, const std::string& key);
+
+    /// Returns the names that have selected no key so far.
+    [[nodiscard]] std::vector<std::string> missing() const;
+
+private:
+    struct Item {
+        std::string name;  // as it was typed
+        std::string group;
+        std::string key;
+        bool isGroup;  // all its keys
+        bool isFound = false;
+    };
+    std::vector<Item> items_;
+};
+
+/// Whether texts are shown with their templates, as they were written.
+enum class Texts { Expanded, AsWritten };
+
+/// One key with the texts of its values, as many as it has origins.
+struct ShownKey {
+    const StoredKey& stored;
+    const std::vector<std::string>& texts;
+};
+
+/// The configuration that a load left, key by key.
+class Effective {
+public:
+    /// The others have to outlive this object.
+    Effective(ConfigParser& parser, const StoredValues& stored, Selection& selection, Texts kind)
+        : parser_(parser), stored_(stored), selection_(selection), kind_(kind) {}
+
+    /// Is called for a key; returns whether to go on.
+    using Show = std::function<bool(const ShownKey& key)>;
+    /// Is called for a key of which a value cannot be resolved, with the reason.
+    using Fail = std::function<void(const StoredKey& key, std::string_view problem)>;
+
+    /// Calls `show` or `fail` for each selected key, in the order of the first value of each.
+    void visit(const Show& show, const Fail& fail) const;
+
+private:
+    std::string_view findTexts(const StoredKey& key, std::vector<std::string>& texts) const;
+
+    ConfigParser& parser_;
+    const StoredValues& stored_;
+    Selection& selection_;
+    Texts kind_;
+};
+
+}  // namespace Tarnwick::Parser::ConfigTool

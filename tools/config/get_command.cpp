@@ -1,0 +1,257 @@
+// tarnwick-config get: prints values, many keys from one load.
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+
+#include "config/arguments.h"
+#include "config/command.h"
+#include "config/display.h"
+#include "config/json.h"
+#include "config/loading.h"
+#include "config/output.h"
+#include "config/shell_text.h"
+#include "logging/log_record.h"
+#include "logging/logger_config.h"
+#include "request.h"
+
+namespace Tarnwick::Parser::ConfigTool {
+namespace {
+
+using Logging::logCritical;
+using Logging::parserLogger;
+
+struct Options;
+
+/// What became of one key. `status` is that of a request for this key.
+struct Answer {
+    std::string_view name;  // as it was typed
+    ExitStatus status = ExitFailure;
+    std::string text = {};  // ExitSuccess
+};
+using Answers = std::vector<Answer>;
+
+/// A form of the output.
+struct Format {
+    std::string_view name;
+    void (*check)(const Options& options);  // throws for keys that the form cannot name
+    /// Prints the answers, the worst of whose states is `status`; returns the exit status.
+    ExitStatus (*print)(const Answers& answers, const Options& options, ExitStatus status);
+};
+extern const std::array<Format, 3> kFormats;
+
+struct Options {
+    std::vector<std::string> keys;
+    const Format* format = &kFormats.front();
+    std::string prefix;                      // of names of variables
+    std::optional<std::string> replacement;  // of a key without a value
+    bool isList = false;
+    bool endsInNul = false;
+};
+
+// --- Answers ---
+
+ExitStatus worse(ExitStatus left, ExitStatus right) {
+    constexpr std::array kFromBest{ExitSuccess, ExitUnavailable, ExitFailure};
+    const auto rank = [&](ExitStatus each) {
+        return std::find(kFromBest.begin(), kFromBest.end(), each);
+    };
+    return rank(left) < rank(right) ? right : left;
+}
+
+Answer findAnswer(const ConfigParser& parser, const std::string& typed, const Options& options) {
+    const auto [group, key] = parseKeyName(typed);
+    try {
+        const auto wanted = options.isList ? Tool::Wanted::AllValues : Tool::Wanted::CurrentValue;
+        std::optional<std::string> text = Tool::findAnswer(parser, group, key, wanted);
+        if (!text) {
+            text = options.replacement;
+        }
+        return text ? Answer{typed, ExitSuccess, *std::move(text)} : Answer{typed, ExitUnavailable};
+    } catch (const std::exception& error) {
+        logCritical(parserLogger) << "Cannot get '" << group << "/" << key << "': " << error.what();
+        return {typed, ExitFailure};
+    }
+}
+
+Answers findAnswers(const Options& options, const Context& context) {
+    const std::unique_ptr<ConfigParser> parser = load(context);
+    Answers answers;
+    for (const std::string& key : options.keys) {
+        answers.push_back(parser ? findAnswer(*parser, key, options) : Answer{key, ExitFailure});
+    }
+    return answers;
+}
+
+// --- Text ---
+
+void checkNothing(const Options&) {}
+
+ExitStatus printText(const Answers& answers, const Options& options, ExitStatus status) {
+    for (const Answer& answer : answers) {
+        if (answer.status == ExitSuccess) {
+            std::cout << answer.text << (options.endsInNul ? '\0' : '\n');
+        }
+    }
+    return status;
+}
+
+// --- Shell ---
+
+std::string variableOf(std::string_view typed, const Options& options) {
+    return shellName(options.prefix + parseKeyName(typed).key);
+}
+
+// A second key of the same name would overwrite the value of the first.
+void checkVariables(const Options& options) {
+    std::map<std::string, std::pair<KeyName, const std::string*>> owners;
+    for (const std::string& typed : options.keys) {
+        const std::string variable = variableOf(typed, options);
+        if (!isShellName(variable)) {
+            throw CLI::ValidationError("'" + typed + "': no variable can be named '" + variable +
+                                       "'; --prefix puts something in front");
+        }
+        const auto [entry, isNew] = owners.try_emplace(variable, parseKeyName(typed), &typed);
+        const auto& [owner, before] = entry->second;
+        if (!isNew && owner != parseKeyName(typed)) {
+            throw CLI::ValidationError("'" + *before + "' and '" + typed +
+                                       "' would both be the variable '" + variable + "'");
+        }
+    }
+}
+
+bool holdsNul(const Answer& answer) {
+    if (answer.text.find('\0') == answer.text.npos) {
+        return false;
+    }
+    std::cerr << "tarnwick-config: " << escaped(answer.name)
+              << ": the value holds a NUL byte, which no shell takes\n";
+    return true;
+}
+
+// A variable without an answer is unset, so that an inherited one does not pass for it, also when
+// nothing could be loaded. The status comes last, because `eval` loses that of the program.
+ExitStatus printShell(const Answers& answers, const Options& options, ExitStatus status) {
+    if (std::count_if(answers.begin(), answers.end(), holdsNul) > 0) {
+        return ExitFailure;
+    }
+    for (const Answer& answer : answers) {
+        const std::string variable = variableOf(answer.name, options);
+        if (answer.status == ExitSuccess) {
+            std::cout << variable << '=' << shellQuoted(answer.text) << '\n';
+        } else {
+            std::cout << "unset -v " << variable << '\n';
+        }
+    }
+    if (status != ExitSuccess) {
+        std::cout << "(exit " << status << ")\n";
+    }
+    return status;
+}
+
+// --- JSON ---
+
+// The bytes of a value that is no UTF-8 stand beside it by a name of their own.
+void checkMembers(const Options& options) {
+    const std::set<std::string_view> names(options.keys.begin(), options.keys.end());
+    for (const std::string& name : options.keys) {
+        if (names.contains(name + kBytesSuffix)) {
+            throw CLI::ValidationError("'" + name + kBytesSuffix + "' stands for the bytes of '" +
+                                       name + "' in this form");
+        }
+    }
+}
+
+Json memberOf(const Answer& answer) {
+    const std::string name(answer.name);
+    Json object;
+    if (answer.status == ExitSuccess) {
+        setText(object, name, answer.text);
+    } else {
+        object[name] = nullptr;
+    }
+    return object;
+}
+
+// An object, member by member. A key that failed has none.
+ExitStatus printJson(const Answers& answers, const Options&, ExitStatus status) {
+    std::set<std::string_view> names;
+    std::cout << '{';
+    for (const Answer& answer : answers) {
+        if (answer.status != ExitFailure && names.insert(answer.name).second) {
+            const std::string object = printed(memberOf(answer));
+            std::cout << (names.size() > 1 ? ",\n" : "\n")
+                      << std::string_view(object).substr(1, object.size() - 2);
+        }
+    }
+    std::cout << "\n}\n";
+    return status;
+}
+
+// --- The command ---
+
+const std::array<Format, 3> kFormats{
+    Format{"text", checkNothing, printText},
+    Format{"shell", checkVariables, printShell},
+    Format{"json", checkMembers, printJson},
+};
+
+void setFormat(Options& options, const std::string& name) {
+    for (const Format& format : kFormats) {
+        if (format.name == name) {
+            options.format = &format;
+            return;
+        }
+    }
+    throw CLI::ValidationError("--format: '" + name + "' is not text, shell or json");
+}
+
+void checkOptions(const Options& options) {
+    if (options.endsInNul && options.format->print != printText) {
+        throw CLI::ValidationError("-z goes with --format=text alone");
+    }
+    if (!options.prefix.empty() && options.format->print != printShell) {
+        throw CLI::ValidationError("--prefix goes with --format=shell alone");
+    }
+    for (const std::string& typed : options.keys) {
+        if (parseKeyName(typed).key.empty()) {
+            throw CLI::ValidationError("'" + typed + "' names no key");
+        }
+    }
+    options.format->check(options);
+}
+
+ExitStatus get(const Options& options, const Context& context) {
+    setUpLogging(context);
+    const Answers answers = findAnswers(options, context);
+    ExitStatus status = ExitSuccess;
+    for (const Answer& answer : answers) {
+        status = worse(status, answer.status);
+    }
+    status = options.format->print(answers, options, status);
+    return finishOutput() ? status : ExitFailure;
+}
+
+}  // namespace
+
+Run addGet(CLI::App& app) {
+    const auto options = std::make_shared<Options>();
+    addOperands(app, "KEY", options->keys, "GROUP/KEY, or KEY of the group Config")->required();
+    addOption(app, "--format", "FORM", "text, shell or json",
+              [options](const std::string& text) { setFormat(*options, text); });
+    addOption(app, "--prefix", "TEXT", "What the names of shell variables begin with",
+              [options](const std::string& text) { options->prefix = text; });
+    addOption(app, "--default", "TEXT", "The answer for a key without a value",
+              [options](const std::string& text) { options->replacement = text; });
+    app.add_flag("--list", options->isList, "Print all values of a key, joined by ';'");
+    app.add_flag("-z", options->endsInNul, "End each answer with NUL instead of a line feed");
+    app.final_callback([options] { checkOptions(*options); });
+    return [options](const Context& context) { return get(*options, context); };
+}
+
+}  // namespace Tarnwick::Parser::ConfigTool
