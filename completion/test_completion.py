@@ -220,7 +220,7 @@ def test_the_commands_are_offered_first(offers):
     assert offers("tarnwick-config --config vendor.conf.d --instance check ch") == ["check"]
 
 
-@pytest.mark.parametrize("command", ["check", "files", "explain", "expand"])
+@pytest.mark.parametrize("command", ["check", "files", "get", "show", "explain", "expand"])
 def test_a_dash_offers_the_options_of_the_command_and_of_every_command(command, offers):
     expected = help_options() | help_options(command)
     assert set(offers(f"tarnwick-config {command} -")) | {"--help", "--version"} == expected
@@ -239,6 +239,8 @@ def test_ignore_offers_ids_behind_a_comma(shell):
 def test_forms_are_those_of_the_command(offers):
     assert sorted(offers("tarnwick-config check --format ")) == ["gcc", "json", "text"]
     assert sorted(offers("tarnwick-config files --format ")) == ["json", "text"]
+    assert sorted(offers("tarnwick-config get --default --list --format ")) == ["json", "shell", "text"]
+    assert sorted(offers("tarnwick-config show --format ")) == ["ini", "json", "text"]
 
 
 def test_a_path_is_a_file_or_a_directory(offers):

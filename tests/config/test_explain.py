@@ -257,6 +257,23 @@ def test_a_shift_is_told_with_the_key_and_what_to_do(explain, rows):
     ]
 
 
+@pytest.mark.parametrize("value", ["${config:Config/L} x", " ${config:Config/L}x", "${env:E_BLANK}${config:Config/L}x"])
+def test_a_reference_that_trimming_moved_is_told(explain, value):
+    lines = explain(in_config("K=" + value, "L=1", "M=${config:Config/K}"), "M", env={"E_BLANK": " "})[1]
+    assert any(
+        line.endswith(
+            ": white space is trimmed from the value, and the reference '${config:Config/L}' no longer stands where it "
+            "was written; put a character before and behind the white space"
+        )
+        for line in lines
+    )
+
+
+def test_white_space_that_moves_nothing_is_not_told(explain):
+    for value in ("x${config:Config/L} ", " x ", "${config:Config/L}x y", "${config:Config/L}"):
+        assert "trimmed" not in "".join(explain(in_config("K=" + value, "L=1"), "K")[1]), value
+
+
 # --- The generated user ---
 
 GENERATED = "[GeneratedConfig]\nUserId=0\nUser=root\nHome=/root\nBaseUid=1\nInstance=gen\n"
@@ -272,7 +289,7 @@ def test_generated_keys_that_change_the_user_are_told(run):
         "USER_ID = 0 variable: generated configuration, conf.d/a.conf:2",
         "INSTANCE = gen variable: generated configuration, conf.d/a.conf:6",
         "",
-        "Whose configuration this is, files say, whatever the command line says:",
+        "The generated configuration names the user, and the command line does not count:",
         "GeneratedConfig/UserId = 0 conf.d/a.conf:2",
         "GeneratedConfig/Instance = gen conf.d/a.conf:6",
     ]
@@ -381,8 +398,12 @@ def test_a_user_without_an_entry_is_told(explain):
 # --- Keys without a value ---
 
 
+def near(explain, text, key):
+    return explain(text, key)[1][-1].removeprefix("Near names that have a value: ")
+
+
 def test_near_names_that_have_a_value_are_offered(explain):
-    text = "[Network]\nHostnames=1\n[Config]\nHostname=2\nHostnam=3\nHostnam=\n"
+    text = "[Network]\nHostnmae=1\n[Config]\nHostname=2\nHostnam=3\nHostnam=\nArch =4\n"
     assert explain(text, "Hostnmae") == (
         2,
         [
@@ -390,10 +411,12 @@ def test_near_names_that_have_a_value_are_offered(explain):
             "",
             "No line in 1 file assigns it.",
             "",
-            "Near names that have a value: Config/Hostname Network/Hostnames",
+            "Near names that have a value: 'Config/Hostname' 'Network/Hostnmae'",
         ],
     )
-    assert explain(text, "Confg/Hostname")[1][-1].startswith("Near names that have a value: Config/Hostname ")
+    assert near(explain, text, "Arch") == "'Config/Arch '"
+    assert near(explain, text, "Confg/Hostname") == "'Config/Hostname' 'Network/Hostnmae'"
+    assert near(explain, text, "Network/Hostname") == "'Config/Hostname' 'Network/Hostnmae'"
 
 
 def test_no_name_is_offered_that_has_no_likeness(explain):

@@ -4,7 +4,7 @@ prints for each key, from one load, and the one file that `show` writes loads ba
 The cases are those of the differential tests, with commands that count how often they run.
 
 TARNWICK_GET_CASES        how many cases of `make test` (default 200)
-TARNWICK_GET_SLOW_CASES   how many with the slow ones (default 20000)
+TARNWICK_GET_SLOW_CASES   how many with the slow ones (default 12000)
 TARNWICK_GET_SEED         where the cases come from (default "get")
 TARNWICK_GET_ONLY         the number of the only case to run
 """
@@ -27,7 +27,7 @@ from comparing import describe, write_case  # noqa: E402
 from generator import GROUPS, KEYS, make_case  # noqa: E402
 
 CASES = int(os.environ.get("TARNWICK_GET_CASES", "200"))
-SLOW_CASES = int(os.environ.get("TARNWICK_GET_SLOW_CASES", "20000"))
+SLOW_CASES = int(os.environ.get("TARNWICK_GET_SLOW_CASES", "12000"))
 SEED = os.environ.get("TARNWICK_GET_SEED", "get")
 ONLY = os.environ.get("TARNWICK_GET_ONLY")
 

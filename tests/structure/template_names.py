@@ -56,7 +56,6 @@ SOURCES = Listing(
         Place("man/tarnwick-parse-config.1.scd", WORD_OF_A_LIST, r"(?<=The sources are )[^.]*"),
         Place("tests/differential/naive_tool.py", r'b"(\w+)"(?::$|: \w)', r"^def resolve_template.*?^def "),
         Place("tests/differential/generator.py", TEMPLATE_WITH_SOURCE, WELL_FORMED_OF_GENERATOR),
-        Place("tests/fuzz/plain/templates.cpp", r'source == "(\w+)"'),
         Place("tests/fuzz/dictionaries/templates.dict", TEMPLATE_WITH_SOURCE),
         Place("tests/fuzz/dictionaries/configuration.dict", TEMPLATE_WITH_SOURCE),
     ],

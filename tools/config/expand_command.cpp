@@ -78,7 +78,7 @@ ExitStatus expandIn(HeardRequest& request, const std::string& text) {
     }
     const TracedValue traced =
         ReferenceTracer(request.parser(), request.history().words(), request.story())
-            .trace(outcome.value, outcome.templates);
+            .trace(outcome.value, outcome.templates, text);
     return traced.text ? print(*traced.text) : fail(failingReference(traced) + failureOf(traced));
 }
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <span>
 
 #include "config/arguments.h"
 #include "config/command.h"
@@ -43,11 +44,11 @@ struct Format {
     /// Prints the answers, the worst of whose states is `status`; returns the exit status.
     ExitStatus (*print)(const Answers& answers, const Options& options, ExitStatus status);
 };
-extern const std::array<Format, 3> kFormats;
+std::span<const Format> formats();
 
 struct Options {
     std::vector<std::string> keys;
-    const Format* format = &kFormats.front();
+    const Format* format = &formats().front();
     std::string prefix;                      // of names of variables
     std::optional<std::string> replacement;  // of a key without a value
     bool isList = false;
@@ -107,20 +108,28 @@ std::string variableOf(std::string_view typed, const Options& options) {
     return shellName(options.prefix + parseKeyName(typed).key);
 }
 
+CLI::ValidationError badVariable(const std::string& typed, const std::string& variable) {
+    return CLI::ValidationError("'" + typed + "': no variable can be named '" + variable +
+                                "'; --prefix puts something in front");
+}
+
+CLI::ValidationError sharedVariable(const std::string& first, const std::string& second,
+                                    const std::string& variable) {
+    return CLI::ValidationError("'" + first + "' and '" + second +
+                                "' would both be the variable '" + variable + "'");
+}
+
 // A second key of the same name would overwrite the value of the first.
 void checkVariables(const Options& options) {
-    std::map<std::string, std::pair<KeyName, const std::string*>> owners;
+    std::map<std::string, const std::string*> owners;
     for (const std::string& typed : options.keys) {
         const std::string variable = variableOf(typed, options);
         if (!isShellName(variable)) {
-            throw CLI::ValidationError("'" + typed + "': no variable can be named '" + variable +
-                                       "'; --prefix puts something in front");
+            throw badVariable(typed, variable);
         }
-        const auto [entry, isNew] = owners.try_emplace(variable, parseKeyName(typed), &typed);
-        const auto& [owner, before] = entry->second;
-        if (!isNew && owner != parseKeyName(typed)) {
-            throw CLI::ValidationError("'" + *before + "' and '" + typed +
-                                       "' would both be the variable '" + variable + "'");
+        const std::string& owner = *owners.try_emplace(variable, &typed).first->second;
+        if (parseKeyName(owner) != parseKeyName(typed)) {
+            throw sharedVariable(owner, typed, variable);
         }
     }
 }
@@ -159,11 +168,13 @@ ExitStatus printShell(const Answers& answers, const Options& options, ExitStatus
 // The bytes of a value that is no UTF-8 stand beside it by a name of their own.
 void checkMembers(const Options& options) {
     const std::set<std::string_view> names(options.keys.begin(), options.keys.end());
-    for (const std::string& name : options.keys) {
-        if (names.contains(name + kBytesSuffix)) {
-            throw CLI::ValidationError("'" + name + kBytesSuffix + "' stands for the bytes of '" +
-                                       name + "' in this form");
-        }
+    const auto clashes = [&](const std::string& name) {
+        return names.contains(name + kBytesSuffix);
+    };
+    const auto name = std::find_if(options.keys.begin(), options.keys.end(), clashes);
+    if (name != options.keys.end()) {
+        throw CLI::ValidationError("'" + *name + kBytesSuffix + "' stands for the bytes of '" +
+                                   *name + "' in this form");
     }
 }
 
@@ -195,14 +206,17 @@ ExitStatus printJson(const Answers& answers, const Options&, ExitStatus status) 
 
 // --- The command ---
 
-const std::array<Format, 3> kFormats{
-    Format{"text", checkNothing, printText},
-    Format{"shell", checkVariables, printShell},
-    Format{"json", checkMembers, printJson},
-};
+std::span<const Format> formats() {
+    static constexpr std::array kFormats{
+        Format{"text", checkNothing, printText},
+        Format{"shell", checkVariables, printShell},
+        Format{"json", checkMembers, printJson},
+    };
+    return kFormats;
+}
 
 void setFormat(Options& options, const std::string& name) {
-    for (const Format& format : kFormats) {
+    for (const Format& format : formats()) {
         if (format.name == name) {
             options.format = &format;
             return;

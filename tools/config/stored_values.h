@@ -59,18 +59,18 @@ private:
 
     /// A part of `texts_`.
     struct Text {
-        std::uint64_t start;
-        std::uint64_t length;
+        std::uint64_t start = 0;
+        std::uint64_t length = 0;
     };
 
     struct Value {
-        const Keys::value_type* owner;
-        Text raw;
-        Text text;           // where nothing was expanded, the same
-        std::uint32_t file;  // in files_
-        std::uint32_t line;
+        const Keys::value_type* owner = nullptr;
+        Text raw = {};
+        Text text = {};          // where nothing was expanded, the same
+        std::uint32_t file = 0;  // in files_
+        std::uint32_t line = 0;
         std::uint32_t next = kNone;  // value of the same key
-        bool hasReferences;
+        bool hasReferences = false;
     };
 
     void hear(const LoadEvent& event);

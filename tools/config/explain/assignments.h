@@ -30,7 +30,8 @@ struct Piece {
     std::size_t length = 0;  ///< in bytes
     std::uint32_t column = 0;
     Outcome outcome = Outcome::Read;
-    std::string reason = {};  ///< Dropped, Fatal: why; Stored, Current: why it cannot be filled
+    std::string reason = {};  ///< Dropped, Fatal: why; Stored, Current: what is wrong with it
+    bool isFilled = true;     ///< Stored, Current: its references have texts
     std::vector<TemplateRecord> templates = {};
     std::vector<Trace> traces = {};  ///< of the templates, once everything was read
 };
@@ -61,7 +62,7 @@ public:
 private:
     [[nodiscard]] Assignment& assignmentOf(const LoadEvent& event, const LineOrigin& origin,
                                            std::size_t file);
-    void addPiece(const LoadEvent& event, Assignment& assignment);
+    static void addPiece(const LoadEvent& event, Assignment& assignment);
     void unsetBefore();
 
     KeyName name_;

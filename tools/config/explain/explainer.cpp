@@ -82,12 +82,14 @@ void Explainer::judgePieces(std::vector<ConfigValue>& values) {
                 piece.traces = unaskedTraces(piece.templates, request_.story());
                 continue;
             }
-            TracedValue traced = tracer.trace(values[explanation_.valueCount++], piece.templates);
-            piece.reason = failureOf(traced);
+            TracedValue traced = tracer.trace(values[explanation_.valueCount++], piece.templates,
+                                              assignment.textOf(piece));
+            piece.isFilled = traced.text.has_value();
+            piece.reason = piece.isFilled ? traced.shift : failureOf(traced);
             piece.traces = std::move(traced.parts);
             if (explanation_.valueCount == values.size()) {
                 piece.outcome = Outcome::Current;
-                explanation_.problem = piece.reason;
+                explanation_.problem = piece.isFilled ? "" : piece.reason;
             }
         }
     }

@@ -131,6 +131,9 @@ void printJson(const Explanation& explanation) {
     std::cout << head << ",\"assignments\":[";
     bool isFirst = true;
     for (const Assignment& assignment : explanation.assignments) {
+        if (!std::cout.good()) {
+            return;  // nobody reads on
+        }
         std::cout << (isFirst ? "\n" : ",\n") << printed(asJson(assignment));
         isFirst = false;
     }

@@ -1,7 +1,5 @@
 #include "config/explain/near_names.h"
 
-#include <algorithm>
-
 #include "config/check/names.h"
 
 namespace Tarnwick::Parser::ConfigTool {
@@ -9,18 +7,22 @@ namespace {
 
 constexpr std::size_t kMostNames = 5;
 
+std::string nearestKey(const ConfigParser& parser, const std::string& group,
+                       const std::string& key) {
+    const std::vector<std::string> keys = parser.keys(group);
+    return std::string(nearestName(key, {keys.begin(), keys.end()}));
+}
+
 }  // namespace
 
 std::vector<std::string> nearKeys(const ConfigParser& parser, const KeyName& name) {
-    std::vector<std::string> groups = parser.groups();
-    std::stable_partition(groups.begin(), groups.end(),
-                          [&](const std::string& group) { return group == name.group; });
+    const bool isGroupKnown = parser.hasGroup(name.group) && !parser.keys(name.group).empty();
     std::vector<std::string> found;
-    for (const std::string& group : groups) {
-        const std::vector<std::string> keys = parser.keys(group);
-        const std::string_view nearest = nearestName(name.key, {keys.begin(), keys.end()});
-        if (!nearest.empty() && found.size() < kMostNames) {
-            found.push_back(group + '/' + std::string(nearest));
+    for (const std::string& group : parser.groups()) {
+        const bool mayDiffer = group == name.group || !isGroupKnown;
+        const std::string near = mayDiffer ? nearestKey(parser, group, name.key) : name.key;
+        if (!near.empty() && parser.hasKey(group, near) && found.size() < kMostNames) {
+            found.emplace_back(group).append(1, '/').append(near);
         }
     }
     return found;

@@ -8,8 +8,8 @@
 
 namespace Tarnwick::Parser::ConfigTool {
 
-/// Returns keys that have a value and whose names are near to this one: the nearest of its own
-/// group first, then those of other groups.
+/// Returns keys that have a value and a like name: the nearest one of the same group, and that very
+/// key of other groups. For a group without values, the nearest key of every group.
 [[nodiscard]] std::vector<std::string> nearKeys(const ConfigParser& parser, const KeyName& name);
 
 }  // namespace Tarnwick::Parser::ConfigTool

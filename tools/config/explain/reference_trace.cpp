@@ -5,6 +5,7 @@
 
 #include "config/check/fault.h"
 #include "reference_resolver.h"
+#include "support/trim.h"
 #include "template_text.h"
 
 namespace Tarnwick::Parser::ConfigTool {
@@ -12,17 +13,43 @@ namespace {
 
 using Kind = Trace::Kind;
 
-// Says which reference of the value stands past its end.
-std::string shiftOf(const ConfigValue& value) {
+std::string shiftText(const ConfigValue& value, std::size_t index, const char* words) {
+    const auto& [group, key] = value.references->targets.at(index);
+    return wordsOf(RuleId::ReferenceShift, "'${config:" + group + '/' + key + "}' " + words) +
+           "; " + std::string(ruleOf(RuleId::ReferenceShift).hint);
+}
+
+// Which reference of the value stands past its end.
+std::string lostReference(const ConfigValue& value) {
     const auto& positions = value.references->positions;
     const auto first =
         std::find_if(positions.begin(), positions.end(),
                      [&](std::uint32_t position) { return position > value.text.size(); });
-    const auto& [group, key] =
-        value.references->targets.at(static_cast<std::size_t>(first - positions.begin()));
-    const std::string name = "${config:" + group + '/' + key + '}';
-    return wordsOf(RuleId::ReferenceShift, '\'' + name + "' then stands past its end") + "; " +
-           std::string(ruleOf(RuleId::ReferenceShift).hint);
+    return shiftText(value, static_cast<std::size_t>(first - positions.begin()),
+                     "then stands past its end");
+}
+
+// Whether the text without its references begins with white space, which trimming takes away.
+bool beginsWithSpace(std::string_view written, std::span<const TemplateRecord> templates) {
+    TemplateCursor cursor(written);
+    for (TemplateToken token; cursor.next(token);) {
+        std::string_view text = token.text;
+        if (token.kind != TemplateToken::Kind::Literal) {
+            text = templates.empty() ? std::string_view() : templates.front().text;
+            templates = templates.subspan(templates.empty() ? 0 : 1);
+        }
+        if (!text.empty()) {
+            return isSpace(text.front());
+        }
+    }
+    return false;
+}
+
+// What trimming does to references of a value that can be filled all the same.
+std::string movedReference(const ConfigValue& value, std::string_view written,
+                           std::span<const TemplateRecord> templates) {
+    const bool isMoved = value.references && beginsWithSpace(written, templates);
+    return isMoved ? shiftText(value, 0, "no longer stands where it was written") : "";
 }
 
 std::string missingText(const LastWord* word) {
@@ -50,6 +77,11 @@ Trace sourceTrace(const TemplateRecord& record, const UserStory& story) {
             .words = sourceText(record.name, story)};
 }
 
+std::string_view writtenOf(const LastWord* word) {
+    return word != nullptr && word->details ? std::string_view(word->details->piece)
+                                            : std::string_view();
+}
+
 // The texts of the references, or nothing when one cannot be filled.
 std::optional<std::vector<std::string>> textsOf(const std::vector<Trace>& parts) {
     std::vector<std::string> texts;
@@ -67,7 +99,8 @@ std::optional<std::vector<std::string>> textsOf(const std::vector<Trace>& parts)
 // The first of the parts, or of their parts, that cannot be filled for a reason of its own.
 const Trace* findFault(const std::vector<Trace>& parts) {
     for (const Trace& part : parts) {
-        if (part.kind == Kind::Circle || part.kind == Kind::TooMany || !part.shift.empty()) {
+        if (part.kind == Kind::Circle || part.kind == Kind::TooMany ||
+            (!part.shift.empty() && !part.text)) {
             return &part;
         }
         if (const Trace* fault = findFault(part.parts)) {
@@ -107,14 +140,16 @@ std::vector<Trace> unaskedTraces(std::span<const TemplateRecord> templates,
 }
 
 TracedValue ReferenceTracer::trace(const ConfigValue& value,
-                                   std::span<const TemplateRecord> templates) {
+                                   std::span<const TemplateRecord> templates,
+                                   std::string_view written) {
     visits_ = 0;
-    return visit(value, templates);
+    return visit(value, templates, written);
 }
 
 // Recursion ends after the visits that one request may make.
 TracedValue ReferenceTracer::visit(const ConfigValue& value,
-                                   std::span<const TemplateRecord> templates) {
+                                   std::span<const TemplateRecord> templates,
+                                   std::string_view written) {
     ++visits_;
     path_.push_back(&value);
     TracedValue traced;
@@ -129,8 +164,9 @@ TracedValue ReferenceTracer::visit(const ConfigValue& value,
     if (const auto texts = textsOf(traced.parts)) {
         try {
             traced.text = value.applyReferences(*texts);
+            traced.shift = movedReference(value, written, templates);
         } catch (const std::out_of_range&) {
-            traced.shift = shiftOf(value);
+            traced.shift = lostReference(value);
         }
     }
     return traced;
@@ -161,7 +197,7 @@ Trace ReferenceTracer::visitReference(const std::string& group, const std::strin
 }
 
 void ReferenceTracer::visitTarget(const ConfigValue& value, Trace& trace) {
-    TracedValue traced = visit(value, templatesOf(trace.word));
+    TracedValue traced = visit(value, templatesOf(trace.word), writtenOf(trace.word));
     trace.text = std::move(traced.text);
     trace.parts = std::move(traced.parts);
     trace.shift = std::move(traced.shift);

@@ -27,7 +27,7 @@ struct Trace {
     std::optional<std::string> text = {};  ///< nothing when it cannot be filled
     std::string words = {};                ///< where it came from, or why it comes to nothing
     const LastWord* word = nullptr;        ///< Filled, Circle, TooMany: where its value stands
-    std::string shift = {};  ///< Filled: which of its references stands past the end, and why
+    std::string shift = {};         ///< Filled: what trimming its value does to its references
     std::vector<Trace> parts = {};  ///< Filled: the templates of its value
 };
 
@@ -35,7 +35,7 @@ struct Trace {
 struct TracedValue {
     std::vector<Trace> parts;
     std::optional<std::string> text;  ///< nothing when it cannot be filled
-    std::string shift = {};           ///< which of its references stands past the end, and why
+    std::string shift = {};           ///< what trimming does to its own references
 };
 
 /// Says why the value cannot be filled.
@@ -52,13 +52,15 @@ public:
     ReferenceTracer(ConfigParser& parser, const LastWords& words, const UserStory& story)
         : parser_(parser), words_(words), story_(story) {}
 
-    /// `templates` are those of the value's text.
+    /// `written` is the value's text as it was written, and `templates` are those in it.
     [[nodiscard]] TracedValue trace(const ConfigValue& value,
-                                    std::span<const TemplateRecord> templates);
+                                    std::span<const TemplateRecord> templates,
+                                    std::string_view written);
 
 private:
     [[nodiscard]] TracedValue visit(const ConfigValue& value,
-                                    std::span<const TemplateRecord> templates);
+                                    std::span<const TemplateRecord> templates,
+                                    std::string_view written);
     [[nodiscard]] Trace visitReference(const std::string& group, const std::string& key);
     void visitTarget(const ConfigValue& value, Trace& trace);
     [[nodiscard]] const ConfigValue* currentValue(const std::string& group, const std::string& key);

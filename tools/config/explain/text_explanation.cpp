@@ -38,7 +38,9 @@ std::string counted(std::size_t count, std::string_view noun) {
 }
 
 std::string padding(std::size_t width, std::size_t wanted) {
-    return std::string(wanted > width ? wanted - width : 0, ' ');
+    std::string blanks;
+    blanks.resize(wanted > width ? wanted - width : 0, ' ');
+    return blanks;
 }
 
 std::string padded(std::string_view text, std::size_t wanted) {
@@ -158,6 +160,9 @@ private:
                       << " assigns it.\n";
         }
         for (const Assignment& assignment : explanation_.assignments) {
+            if (!std::cout.good()) {
+                return;  // nobody reads on
+            }
             printAssignment(assignment);
         }
     }
@@ -197,15 +202,16 @@ private:
     }
 
     [[nodiscard]] Verdict verdictOf(const Piece& piece) const {
-        const std::string unfilled =
-            piece.reason.empty() ? "" : ", but cannot be filled: " + piece.reason;
+        const std::string but = piece.reason.empty() ? ""
+                                : piece.isFilled     ? ", but " + piece.reason
+                                                     : ", but cannot be filled: " + piece.reason;
         switch (piece.outcome) {
             case Outcome::Read:
                 return {"read, not expanded", {}};
             case Outcome::Stored:
-                return {"stored" + unfilled, {}};
+                return {"stored" + but, {}};
             case Outcome::Current:
-                return {"current" + unfilled, unfilled.empty() ? palette_.good : palette_.bad};
+                return {"current" + but, but.empty() ? palette_.good : palette_.bad};
             case Outcome::Unset:
                 return {"stored, then unset", palette_.lost};
             case Outcome::Dropped:
@@ -250,7 +256,8 @@ private:
         if (explanation_.userKeys.empty()) {
             return;
         }
-        std::cout << "\nWhose configuration this is, files say, whatever the command line says:\n";
+        std::cout << "\nThe generated configuration names the user, and the command line does not "
+                     "count:\n";
         for (const UserKey& key : explanation_.userKeys) {
             std::cout << std::string(kIndent, ' ') << padded(key.name, nameEnd_ - kIndent) << " = "
                       << padded(key.text, replacementWidth_) << ' '
@@ -266,7 +273,7 @@ private:
         }
         std::cout << "\nNear names that have a value:";
         for (const std::string& name : explanation_.near) {
-            std::cout << ' ' << escaped(name);
+            std::cout << " '" << escaped(name) << '\'';  // a name can end in a blank
         }
         std::cout << '\n';
     }

@@ -52,7 +52,7 @@ std::string variableText(const std::string& name, const UserStory& story) {
 constexpr std::array<std::string_view, 6> kSources{
     "environment", "environment file", "canonical path", "dconf", "Android property", "command",
 };
-static_assert(kSources.size() == std::tuple_size_v<SourceReaders>, "a source lacks its name");
+static_assert(kSources.size() == std::tuple_size_v<SourceReaders>, "missing row");
 
 }  // namespace
 
