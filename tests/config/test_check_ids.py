@@ -316,6 +316,8 @@ def test_references_to_other_files_are_judged_only_over_whole_directories(run):
         (in_config("Arch=${system:a;b}"), "a ';' ends the value"),
         (in_config("Arch=$x"), "write '$$'"),
         (in_config("Arch=$HOME/x"), "'${NAME}' for a variable"),
+        (in_config("Arch=$(id)"), "'${system:COMMAND}' for a command"),
+        (in_config("Arch=1$"), "write '$$' for a '$'"),
         (in_config("Arch=${env}"), "write '${SOURCE:NAME}'"),
         (in_config("Arch= ${config:Config/Hostname}"), "remove the white space"),
         (in_config("Ho\u00a0st=1"), "a blank pasted from a document"),

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <ranges>
 #include <unordered_set>
 
 #include "config/display.h"
@@ -59,6 +58,18 @@ private:
 
         [[nodiscard]] bool fails() const { return isCircular || isTooMany || !failsOnlyHere; }
     };
+    /// The targets of one value.
+    class Targets {
+    public:
+        using Iterator = std::deque<Target>::const_iterator;
+        Targets(const Iterator& first, const Iterator& last) : first_(first), last_(last) {}
+        [[nodiscard]] Iterator begin() const { return first_; }
+        [[nodiscard]] Iterator end() const { return last_; }
+
+    private:
+        Iterator first_;
+        Iterator last_;
+    };
     struct Step {
         std::uint32_t value;
         std::size_t target;  // the next to look at
@@ -72,12 +83,12 @@ private:
         return value >= graph_.keys_[graph_.values_[value].key].firstValue;
     }
 
-    [[nodiscard]] auto targetsOf(std::uint32_t value) const {
+    [[nodiscard]] Targets targetsOf(std::uint32_t value) const {
         const auto target = [&](std::size_t number) {
             return graph_.targets_.begin() + static_cast<std::ptrdiff_t>(number);
         };
         const Value& row = graph_.values_[value];
-        return std::ranges::subrange(target(row.firstTarget), target(row.endTarget));
+        return Targets{target(row.firstTarget), target(row.endTarget)};
     }
 
     [[nodiscard]] const ReferenceGraph::Line& lineOf(std::uint32_t value) const {
@@ -145,9 +156,9 @@ private:
     }
 
     [[nodiscard]] bool refersToItself(std::uint32_t value) const {
-        return std::ranges::any_of(targetsOf(value), [&](const Target& target) {
-            return keyOf(target).lastValue == value;
-        });
+        const Targets targets = targetsOf(value);
+        return std::any_of(targets.begin(), targets.end(),
+                           [&](const Target& target) { return keyOf(target).lastValue == value; });
     }
 
     // As the resolver counts: every value once for each time it is needed. A value that fails by
@@ -180,7 +191,7 @@ private:
             tellCircle(value);
         }
         if (nodes_[value].isTooMany) {
-            report(RuleId::ReferenceTooMany, value, targetsOf(value).front(),
+            report(RuleId::ReferenceTooMany, value, *targetsOf(value).begin(),
                    std::to_string(kMostVisits - 1));
         }
         if (hasAllFiles_) {
@@ -191,7 +202,7 @@ private:
     void tellShift(std::uint32_t value, const Shift& shift) {
         const bool isError = shift.severity == Severity::Error;
         Fault fault =
-            faultAt(RuleId::ReferenceShift, value, targetsOf(value)[shift.reference],
+            faultAt(RuleId::ReferenceShift, value, targetsOf(value).begin()[shift.reference],
                     isError ? "then stands past its end" : "no longer stands where it was written");
         fault.severity = shift.severity;
         sink_(fault);

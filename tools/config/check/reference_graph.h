@@ -69,10 +69,10 @@ private:
         std::uint32_t end;
     };
     struct Value {
-        std::uint32_t line;
-        std::uint32_t key;
-        std::size_t firstTarget;
-        std::size_t endTarget;
+        std::uint32_t line = 0;
+        std::uint32_t key = 0;
+        std::size_t firstTarget = 0;
+        std::size_t endTarget = 0;
         std::optional<Shift> shift;
     };
     struct Key {

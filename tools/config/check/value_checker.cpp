@@ -38,6 +38,16 @@ std::map<std::string, std::string> wordsOfVariables() {
     return words;
 }
 
+// As in a shell. Empty: what the rule says will do.
+std::string_view hintForDollar(std::string_view behind) {
+    constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz";
+    if (behind.starts_with('(')) {
+        return "write '$$' for a '$', '${system:COMMAND}' for a command";
+    }
+    const bool isName = !behind.empty() && kLetters.find(behind.front()) != kLetters.npos;
+    return isName ? "write '$$' for a '$', '${NAME}' for a variable" : "";
+}
+
 bool isSource(std::string_view name) {
     const auto names = templateSourceNames();
     return std::find(names.begin(), names.end(), name) != names.end();
@@ -208,7 +218,8 @@ void ValueChecker::takeFault(const Entry& entry, Piece& piece, const TemplateTok
     const Span span{piece.first + token.first, piece.first + token.end};
     switch (token.problem) {
         case Problem::TemplateDollar:
-            report(RuleId::TemplateDollar, entry, span);
+            reportWithHint(RuleId::TemplateDollar, entry, span, {},
+                           hintForDollar(entry.line.text.substr(span.end)));
             break;
         case Problem::TemplateNotClosed: {
             reportWithHint(
