@@ -53,7 +53,7 @@ def test_context_reaches_the_variables(expand):
         ("${env:E_EMPTY}", "'${env:E_EMPTY}': E_EMPTY is set, but empty"),
         ("${HOM}", "'${HOM}': no variable is named 'HOM'; did you mean 'HOME'?"),
         ("${confg:A/B}", "'${confg:A/B}': no source is named 'confg'; did you mean 'config'?"),
-        ("a $", "'$': expected '{' or '$' after '$'; write '$$' for a '$', '${NAME}' for a variable"),
+        ("a $", "'$': expected '{' or '$' after '$'; write '$$' for a '$'"),
         ("a ${HOME", "'${HOME': expected '}' at the end of the template"),
         ("${config:A}", "'${config:A}': 'A' names no group and key; write '${config:GROUP/KEY}'"),
         ("${envfile:x}", "'${envfile:x}': 'x' names no path and variable; write '${envfile:PATH:VARIABLE}'"),
@@ -79,7 +79,9 @@ def test_the_template_that_fails_is_named_with_the_reason(expand, text, said):
 def test_a_reference_behind_the_end_of_its_trimmed_text_is_a_failure(expand, text, named):
     said = failure(expand(text))
     assert said.startswith(named)
-    assert said.endswith("then stands past its end; remove the white space, or put other characters before and behind it")
+    assert said.endswith(
+        "then stands past its end; remove the white space, or put other characters before and behind it"
+    )
 
 
 def test_more_references_than_a_request_fills_are_a_failure(expand):

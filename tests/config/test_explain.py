@@ -127,7 +127,7 @@ def test_empty_pieces_alone_are_told(rows):
         ("${confg:A/B}", "no source is named 'confg'; did you mean 'config'?"),
         ("${config:A}", "'A' names no group and key; write '${config:GROUP/KEY}'"),
         ("${envfile:x}", "'x' names no path and variable; write '${envfile:PATH:VARIABLE}'"),
-        ("a$", "expected '{' or '$' after '$'; write '$$' for a '$', '${NAME}' for a variable"),
+        ("a$", "expected '{' or '$' after '$'; write '$$' for a '$'"),
         ("${HOME", "expected '}' at the end of the template"),
         ("${INSTANCE}", "its templates come to an empty text"),
     ],

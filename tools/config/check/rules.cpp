@@ -43,7 +43,7 @@ constexpr std::array kRules{
          "a variable in one of the five generated keys, which are read before any variable is known"},
     Rule{BlankValue,          "blank-value",          kError,   "the value is {name} alone: every request fails", "remove the white space; 'KEY=' unsets a key",
          "a value of white space alone, or of white space and references alone: every request ends with status 1"},
-    Rule{ReferenceShift,      "reference-shift",      kError,   "white space is trimmed from the value, and the reference {name}", "put a character before and behind the white space",
+    Rule{ReferenceShift,      "reference-shift",      kError,   "white space is trimmed from the value, and the reference {name}", "remove the white space, or put other characters before and behind it",
          "white space trimmed from a text that holds references: an error where a reference comes to lie past the end, a warning where text moves"},
     Rule{ReferenceCircle,     "reference-circle",     kError,   "the key leads back to itself: {name}", "",
          "keys that lead back to themselves"},

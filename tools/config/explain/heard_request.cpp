@@ -10,11 +10,11 @@
 
 namespace Tarnwick::Parser::ConfigTool {
 
-HeardRequest::HeardRequest(const Context& context, KeyName name)
+HeardRequest::HeardRequest(const Context& context, const KeyName& name)
     : directories_(directoriesOf(context)),
       story_{.user = {context.userId, "", "", context.instance}},
       generated_(name),
-      history_(std::move(name)) {}
+      history_(name) {}
 
 bool HeardRequest::run() {
     const bool isSettled =

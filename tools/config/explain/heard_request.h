@@ -20,7 +20,7 @@ public:
     enum class Stage : std::uint8_t { SettlingUser, Loading, Loaded };
 
     /// `name` is the key whose assignments are wanted.
-    HeardRequest(const Context& context, KeyName name);
+    HeardRequest(const Context& context, const KeyName& name);
 
     /// Settles the user and loads. Returns whether a key can be asked for now. Throws as the
     /// library does; what was heard before can be looked at all the same.
