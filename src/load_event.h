@@ -21,7 +21,8 @@ namespace Tarnwick::Parser {
 ///     Stored   group, key, entry, piece, value, templates
 ///     Removed  group, key, count; the place is behind the '='
 ///     Dropped  group, key, entry, piece, fault, templates
-///     Fault    fault; of a template or a blank value also group, key, entry, piece
+///     Fault    fault; of a template or a blank value also group, key, entry, piece; of a blank
+///              value also templates
 ///
 /// A piece that a fault of a template drops is told twice: the fault, then the piece as dropped. A
 /// blank value is told as a fault alone, since its exception follows.

@@ -47,6 +47,10 @@ void LoadTeller::tellFault(const Diagnostic& found) {
     }
     event.place = lastFault_.place;
     event.fault = &lastFault_;
+    if (found.problem == Problem::ValueBlank) {
+        tellPiece(event);  // its last event: an exception follows
+        return;
+    }
     listener_(event);
 }
 

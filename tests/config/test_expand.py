@@ -61,12 +61,13 @@ def test_context_reaches_the_variables(expand):
         ("${envfile:conf.d/a.conf:X}", "'${envfile:conf.d/a.conf:X}': no line of conf.d/a.conf assigns X"),
         ("${realpath:none}", "'${realpath:none}': the path none does not exist or cannot be reached"),
         ("${system:exit 3}", "'${system:exit 3}': the command 'exit 3' did not end with status 0"),
-        ("  ", "'  ': it comes to white space alone"),
+        ("  ", "'  ': it is white space alone"),
+        ("${env:E_BLANK}", "'${env:E_BLANK}': its templates come to white space alone"),
         ("${config:Config/A}", "'${config:Config/A}': a circle: leads back to Config/A"),
     ],
 )
 def test_the_template_that_fails_is_named_with_the_reason(expand, text, said):
-    assert failure(expand(text, env={"E_EMPTY": ""})) == said
+    assert failure(expand(text, env={"E_EMPTY": "", "E_BLANK": " "})) == said
 
 
 @pytest.mark.parametrize(

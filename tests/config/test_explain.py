@@ -497,3 +497,30 @@ def test_json_tells_the_same(run):
     user, reference = report["assignments"][2]["pieces"][1]["templates"]
     assert (user["kind"], user["text"], user["words"]) == ("source", "root", "variable: password database, user 0")
     assert (reference["name"], reference["kind"], reference["line"]) == ("Config/N", "reference", 2)
+
+
+def test_a_value_whose_sources_are_blank_is_told_with_what_they_came_to(explain, rows):
+    text = in_config("K=${env:E_BLANK}")
+    assert rows(text, "K", env={"E_BLANK": " "})[:4] == [
+        "a.conf:2:3: its templates come to white space alone",
+        "2 | K=${env:E_BLANK}",
+        "",
+        "a.conf:2 = ${env:E_BLANK} ends the request: its templates come to white space alone",
+    ]
+    assert not any("tarnwick-config check" in line for line in explain(text, "K", env={"E_BLANK": " "})[1])
+
+
+def test_white_space_beside_references_is_told_as_such(rows):
+    assert "white space and references alone" in rows(in_config("K= ${config:A/B}"), "K")[0]
+
+
+def test_a_fault_of_a_generated_key_is_told_with_its_line_and_what_was_stored(rows):
+    lines = ["UserId=0", "User=q", "Home=/root", "BaseUid=1", "Instance=x ${config:GeneratedConfig/Home}"]
+    told = rows("[GeneratedConfig]\n" + "".join(line + "\n" for line in lines), "GeneratedConfig/Instance")
+    assert told[0].startswith("a.conf:6: GeneratedConfig/Instance: a reference stands past the end")
+    assert told[2] == "a.conf:6 = x ${config:GeneratedConfig/Home} stored"
+
+
+def test_a_directory_in_the_place_of_an_environment_file_is_called_one(rows, directory):
+    told = rows(in_config("K=${envfile:conf.d:X}"), "K")
+    assert told[0] == "a.conf:2 = ${envfile:conf.d:X} dropped: conf.d cannot be read: it is a directory"

@@ -152,6 +152,21 @@ TEST_F(LoadListening, HearsOfABlankValueBeforeItsException) {
     EXPECT_EQ(told.back(), "1:5-5 fault " + number(Problem::ValueBlank));
 }
 
+TEST_F(LoadListening, HearsWhatTheTemplatesOfABlankValueCameTo) {
+    path_ = directory_.write("a.conf", "K=${BLANK}\n");
+    parser_.setVariable("BLANK", " ");
+    std::string text;
+    const auto listener = [&](const LoadEvent& event) {
+        if (event.kind == LoadEvent::Kind::Fault) {
+            ASSERT_EQ(event.templates.size(), 1U);
+            EXPECT_EQ(event.templates[0].firstColumn, 3U);
+            text = event.templates[0].text;
+        }
+    };
+    EXPECT_THROW((void)parser_.loadFile(path_, listener), std::length_error);
+    EXPECT_EQ(text, " ");
+}
+
 TEST_F(LoadListening, HearsOfABlankNameInAnEnvironmentFileWithItsPath) {
     const std::string variables = directory_.write("variables", " =x\n");
     path_ = directory_.write("a.conf", "K=${envfile:" + variables + ":V}\n");

@@ -42,7 +42,7 @@ const Explanation& Explainer::explain() {
         logCritical(parserLogger) << "Cannot get '" << explanation_.name.group << "/"
                                   << explanation_.name.key << "': " << error.what();
         if (explanation_.problem.empty() && request_.failures().empty()) {
-            explanation_.problem = error.what();
+            explanation_.problem = placeOfGenerated(error.what()) + error.what();
         }
     }
     if (request_.stage() != HeardRequest::Stage::Loaded) {
@@ -62,6 +62,17 @@ void Explainer::ask() {
     } else {
         explanation_.near = nearKeys(request_.parser(), explanation_.name);
     }
+}
+
+// Of a text that begins with the name of a generated key: the line that sets it.
+std::string Explainer::placeOfGenerated(std::string_view text) const {
+    for (const std::string* key : Tool::generatedUserKeys()) {
+        const LineOrigin origin = request_.generatedLine(*key);
+        if (origin.path != nullptr && text.starts_with(kGroupGeneratedConfig + '/' + *key + ':')) {
+            return placeText(origin) + ": ";
+        }
+    }
+    return {};
 }
 
 // What is left of the key is known now, and what its references come to.
@@ -98,13 +109,11 @@ void Explainer::judgePieces(std::vector<ConfigValue>& values) {
 void Explainer::endEarly() {
     explanation_.failures = request_.failures();
     if (request_.stage() == HeardRequest::Stage::Loading) {
-        explanation_.assignments = std::move(request_.history().assignments());
-        explanation_.fileCount = request_.history().files().size();
-        for (Assignment& assignment : explanation_.assignments) {
-            for (Piece& piece : assignment.pieces) {
-                piece.traces = unaskedTraces(piece.templates, request_.story());
-            }
-        }
+        takeHeard(request_.history());
+        return;
+    }
+    if (isGeneratedUserKey(explanation_.name)) {
+        takeHeard(request_.generated());
         return;
     }
     const LoadFailure* failure =
@@ -112,6 +121,17 @@ void Explainer::endEarly() {
     explanation_.assignments =
         readUnexpanded(request_.directories(), explanation_.name, failure, paths_);
     explanation_.fileCount = request_.generated().files().size();
+}
+
+// What was heard of the key before the request ended.
+void Explainer::takeHeard(LoadHistory& history) {
+    explanation_.assignments = std::move(history.assignments());
+    explanation_.fileCount = history.files().size();
+    for (Assignment& assignment : explanation_.assignments) {
+        for (Piece& piece : assignment.pieces) {
+            piece.traces = unaskedTraces(piece.templates, request_.story());
+        }
+    }
 }
 
 void Explainer::tellUser() {

@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <string>
+#include <string_view>
 
 #include "config/explain/explanation.h"
 #include "config/explain/heard_request.h"
@@ -21,6 +22,8 @@ private:
     void judge();
     void judgePieces(std::vector<ConfigValue>& values);
     void endEarly();
+    void takeHeard(LoadHistory& history);
+    [[nodiscard]] std::string placeOfGenerated(std::string_view text) const;
     void tellUser();
     void tellIncompleteUser();
 

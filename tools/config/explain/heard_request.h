@@ -32,7 +32,7 @@ public:
     [[nodiscard]] const UserStory& story() const { return story_; }
 
     /// What the load of the generated keys told, and that of all keys.
-    [[nodiscard]] const LoadHistory& generated() const { return generated_; }
+    [[nodiscard]] LoadHistory& generated() { return generated_; }
     [[nodiscard]] LoadHistory& history() { return history_; }
 
     /// The line that sets a generated key for the user; without a path when none does.

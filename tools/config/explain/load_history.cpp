@@ -19,6 +19,21 @@ bool isFatal(Problem problem) {
     return std::find(kFatal.begin(), kFatal.end(), problem) != kFatal.end();
 }
 
+std::string lineOf(const LoadEvent& event) {
+    if (event.fault->problem == Problem::ValueBlank) {
+        return std::string(event.key) + '=' + std::string(event.entry);
+    }
+    return std::string(event.fault->text);
+}
+
+bool dependsOnSources(const LoadEvent& event) {
+    return !event.fault->path.empty() ||
+           std::any_of(event.templates.begin(), event.templates.end(),
+                       [](const TemplateOutcome& outcome) {
+                           return outcome.result == TemplateResult::Resolved;
+                       });
+}
+
 }  // namespace
 
 std::string placeText(const LoadFailure& failure) {
@@ -37,8 +52,8 @@ void LoadHistory::operator()(const LoadEvent& event) {
     collector_.note(event, origin, files_.size());
     words_.note(event, origin);
     if (event.kind == LoadEvent::Kind::Fault && isFatal(event.fault->problem)) {
-        failures_.push_back(
-            {origin, event.place.firstColumn, std::string(event.fault->text), reasonOf(event)});
+        failures_.push_back({origin, event.place.firstColumn, lineOf(event), reasonOf(event),
+                             !dependsOnSources(event)});
     }
 }
 

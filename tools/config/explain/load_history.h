@@ -15,8 +15,9 @@ namespace Tarnwick::Parser::ConfigTool {
 struct LoadFailure {
     LineOrigin origin;  ///< line 0: the file as a whole
     std::uint32_t column = 0;
-    std::string text;    ///< the line, or the piece of a value
-    std::string reason;  ///< in words
+    std::string text;      ///< the line, or the piece of a value
+    std::string reason;    ///< in words
+    bool isOfText = true;  ///< anybody can see it in the file, whatever the sources answer
 };
 
 /// Returns "PATH:LINE:COLUMN", as far as the failure has a line.

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 #include "config/check/fault.h"
 #include "config/check/names.h"
@@ -85,6 +86,9 @@ std::string ofEnvironment(const LoadEvent& event) {
 // The file was read before: only whether it may be is asked here.
 std::string ofEnvironmentFile(const LoadEvent& event) {
     const std::string path(event.fault->path);
+    if (std::filesystem::is_directory(path)) {
+        return named(path) + " cannot be read: it is a directory";
+    }
     if (access(path.c_str(), R_OK) != 0) {
         const int cause = errno;
         return named(path) + " cannot be read: " + std::strerror(cause);
@@ -110,12 +114,24 @@ std::string ofCommand(const LoadEvent& event) {
 
 // --- Pieces ---
 
+// White space that the value is made of, in words.
+std::string ofBlankTemplates(const LoadEvent& event) {
+    const bool hasText = std::any_of(
+        event.templates.begin(), event.templates.end(),
+        [](const TemplateOutcome& each) { return each.result == TemplateResult::Resolved; });
+    return hasText ? "its templates come to white space alone"
+                   : wordsOf(RuleId::BlankValue, "white space and references");
+}
+
 std::string ofBlank(const LoadEvent& event) {
     if (!event.fault->path.empty()) {
         return "the environment file " + named(event.fault->path) +
                " has a name or the value asked for of white space alone: every request fails";
     }
-    return event.place.file.empty() ? "it comes to white space alone"
+    if (!event.templates.empty()) {
+        return ofBlankTemplates(event);
+    }
+    return event.place.file.empty() ? "it is white space alone"
                                     : wordsOf(RuleId::BlankValue, "white space");
 }
 

@@ -148,7 +148,9 @@ private:
                           << escaped(shortened(failure.text)) << '\n';
             }
         }
-        std::cout << "'tarnwick-config check' finds all faults, also those behind this one.\n";
+        if (explanation_.failures.back().isOfText) {
+            std::cout << "'tarnwick-config check' finds all faults, also those behind this one.\n";
+        }
     }
 
     // --- Assignments ---
