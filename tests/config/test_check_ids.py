@@ -233,6 +233,13 @@ def test_keys_below_a_rejected_header_or_in_an_unknown_group_are_not_judged(chec
     assert found == ["a.conf:1:8 error group-not-closed", "a.conf:4:2 warning unknown-group"]
 
 
+def test_keys_below_a_rejected_header_do_not_belong_to_the_group_above(check):
+    above = "[Logging]\n[Config x\nHostname=foo\n[Config]\n[Other\nMounts=/a\n"
+    assert check(above)[1] == ["a.conf:2:10 error group-not-closed", "a.conf:5:7 error group-not-closed"]
+    generated = "[GeneratedConfig]\n[Confi$]\nUser=${HOME}\nUserId=abc\n"
+    assert check(generated)[1] == ["a.conf:2:7 error group-characters"]
+
+
 def test_keys_below_a_rejected_header_unset_nothing(check):
     ring = in_config("Arch=${config:Config/Arch}", "[Other", "Arch=")
     assert check(ring)[1] == ["a.conf:3:7 error group-not-closed", "a.conf:2:6 error reference-circle"]

@@ -208,7 +208,7 @@ void ValueChecker::takeVariable(const Entry& entry, Piece& piece, const Template
         return;
     }
     piece.lastWord = token.end;
-    if (isGeneratedUserKey(entry)) {
+    if (entry.isOfKnownGroup && isGeneratedUserKey(entry)) {
         report(RuleId::GeneratedTemplate, entry, span, entry.key);
     }
 }
@@ -283,7 +283,7 @@ void ValueChecker::store(const Entry& entry, const Piece& piece) {
         return;
     }
     keep(entry, piece, value);
-    if (piece.hasTemplates) {
+    if (piece.hasTemplates || !entry.isOfKnownGroup) {
         return;
     }
     for (const TypeRow& row : kTypes) {
