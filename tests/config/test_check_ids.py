@@ -267,6 +267,20 @@ def test_who_refers_to_a_key_at_fault_has_no_fault_of_its_own(check):
     assert found == ["b.conf:2:11 error reference-circle"]
 
 
+@pytest.mark.parametrize("value,fault", [("${HOM}", "unknown-variable"), (" ", "blank-value"), ("$(x)", "template-dollar")])
+def test_who_refers_to_a_key_whose_value_was_rejected_has_no_fault_of_its_own(value, fault, check):
+    reference, faulty = "Arch=${config:Config/Hostname}", f"Hostname={value}"
+    assert check(in_config(reference, faulty))[1] == [f"a.conf:3:10 error {fault}"]
+    assert check(in_config(reference, faulty, "Hostname="))[1] == [
+        f"a.conf:3:10 error {fault}",
+        "a.conf:2:6 warning reference-undefined",
+    ]
+
+
+def test_a_rejected_value_ends_a_circle(check):
+    assert check(RING + "DataRoot=$(x)\n")[1] == ["a.conf:4:10 error template-dollar"]
+
+
 def test_one_knot_of_many_circles_is_one_fault(check):
     keys = range(20)
     lines = [f"K{key}=" + "".join(f"${{config:Config/K{other}}}" for other in keys) for key in keys]

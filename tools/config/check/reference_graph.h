@@ -38,7 +38,7 @@ public:
     /// the graph.
     [[nodiscard]] std::uint32_t keepLine(const SourceLine& line);
 
-    /// Adds a value without references to the key.
+    /// Adds a value to the key that has no references, or a fault that hides them.
     void addPlain(const std::string& group, const std::string& key);
 
     /// Adds a value that refers to others.

@@ -157,7 +157,9 @@ void ValueChecker::checkQuotes(const Entry& entry) {
 void ValueChecker::checkPiece(const Entry& entry, std::string_view text) {
     Piece piece{.text = text, .first = spanOf(text, entry.line.text).first, .references = {}};
     readTemplates(entry, piece);
-    if (!piece.isFaulty) {
+    if (piece.isFaulty) {
+        keepFaulty(entry);
+    } else {
         store(entry, piece);
     }
 }
@@ -280,6 +282,7 @@ void ValueChecker::store(const Entry& entry, const Piece& piece) {
         reportWithHint(RuleId::BlankValue, entry, {piece.first, piece.first + piece.text.size()},
                        piece.references.empty() ? "white space" : "white space and references",
                        hasReturn ? ruleOf(RuleId::CarriageReturn).hint : "");
+        keepFaulty(entry);
         return;
     }
     keep(entry, piece, value);
@@ -306,6 +309,13 @@ void ValueChecker::keep(const Entry& entry, const Piece& piece, const ConfigValu
         line_ = graph_.keepLine(entry.line);
     }
     graph_.add(entry.group, entry.key, *line_, piece.references, shiftOf(piece, value));
+}
+
+// A key at fault is set, and nothing else is known of it: who refers to it has no fault of its own.
+void ValueChecker::keepFaulty(const Entry& entry) {
+    if (entry.isOfKnownGroup) {
+        graph_.addPlain(entry.group, entry.key);
+    }
 }
 
 // White space trimmed in front is not subtracted from the positions of references. A position past

@@ -56,6 +56,7 @@ private:
     void checkComment(const Entry& entry, const Piece& piece, const TemplateToken& literal);
     void store(const Entry& entry, const Piece& piece);
     void keep(const Entry& entry, const Piece& piece, const ConfigValue& value);
+    void keepFaulty(const Entry& entry);
     [[nodiscard]] static std::optional<Shift> shiftOf(const Piece& piece, const ConfigValue& value);
     void report(RuleId rule, const Entry& entry, Span span, std::string_view name = {});
     void reportWithHint(RuleId rule, const Entry& entry, Span span, std::string_view name,
