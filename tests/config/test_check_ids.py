@@ -281,6 +281,19 @@ def test_a_rejected_value_ends_a_circle(check):
     assert check(RING + "DataRoot=$(x)\n")[1] == ["a.conf:4:10 error template-dollar"]
 
 
+@pytest.mark.parametrize(
+    "lines,words",
+    [
+        ([], "no file sets the key 'Config/Hostname'"),
+        (["Hostname="], "a file unsets the key 'Config/Hostname'"),
+        (["Hostname=x", "Hostname="], "a file unsets the key 'Config/Hostname'"),
+    ],
+)
+def test_a_reference_to_a_key_without_a_value_says_what_the_files_do_to_it(lines, words, run):
+    output = run(in_config("Arch=${config:Config/Hostname}", *lines), "check", "--format=gcc", "conf.d").stdout
+    assert output.decode() == f"conf.d/a.conf:2:6: warning: {words} [reference-undefined]\n"
+
+
 def test_one_knot_of_many_circles_is_one_fault(check):
     keys = range(20)
     lines = [f"K{key}=" + "".join(f"${{config:Config/K{other}}}" for other in keys) for key in keys]

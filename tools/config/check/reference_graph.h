@@ -75,8 +75,9 @@ private:
         std::size_t endTarget = 0;
         std::optional<Shift> shift;
     };
+    enum class KeyState : std::uint8_t { Untouched, Set, Unset };
     struct Key {
-        bool isSet = false;
+        KeyState state = KeyState::Untouched;  // what the files said last
         std::uint32_t firstValue = 0;     // those before it were taken away
         std::uint32_t lastValue = kNone;  // kNone: it refers to nothing, or there is none
     };
