@@ -366,6 +366,12 @@ def test_a_hint_names_the_cause(text, hint, run):
     assert b"hint" not in run(text, "check", "--format=gcc", "conf.d").stdout
 
 
+@pytest.mark.parametrize("line", ["[Foo", "DataRoot x"])
+def test_a_carriage_return_is_no_cause_of_what_is_missing_without_it_too(line, run):
+    faults = run(line + "\r\n", "check", "--ignore=carriage-return", "conf.d").stdout
+    assert b"expected '" in faults and b"hint" not in faults
+
+
 @pytest.mark.parametrize(
     "text,suggested",
     [

@@ -78,8 +78,8 @@ private:
     enum class KeyState : std::uint8_t { Untouched, Set, Unset };
     struct Key {
         KeyState state = KeyState::Untouched;  // what the files said last
-        std::uint32_t firstValue = 0;     // those before it were taken away
-        std::uint32_t lastValue = kNone;  // kNone: it refers to nothing, or there is none
+        std::uint32_t firstValue = 0;          // those before it were taken away
+        std::uint32_t lastValue = kNone;       // kNone: it refers to nothing, or there is none
     };
 
     [[nodiscard]] std::uint32_t keyNumber(std::string_view group, std::string_view key);
