@@ -214,6 +214,20 @@ def test_a_path_that_is_only_a_pattern_is_read_as_the_tool_reads_it(run):
     assert (result.returncode, result.stdout.count(b"\n")) == (0, 1)
 
 
+def test_every_directory_that_fits_a_pattern_is_checked_by_itself(run, directory):
+    (directory / "p?").mkdir()
+    files = {"pa/20-x.conf": "", "pa/foo.ini": "", "pb/10-y.conf": "", "pb/9-z.conf": ""}
+    run(files, "--version")
+    (directory / "pb").chmod(0o777)
+    result = run({}, "check", "--format=gcc", "conf.d/p?")
+    assert [line.split()[0] + line.split()[-1] for line in result.stdout.decode().splitlines()] == [
+        "conf.d/p?:1:1:[path-pattern]",
+        "conf.d/pa/foo.ini:1:1:[file-not-read]",
+        "conf.d/pb:1:1:[writable-by-others]",
+        "conf.d/pb/9-z.conf:1:1:[file-order]",
+    ]
+
+
 def test_what_everybody_may_write_is_a_warning(check, directory):
     (directory / "a.conf").touch()
     (directory / "a.conf").chmod(0o666)
