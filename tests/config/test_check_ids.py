@@ -201,6 +201,13 @@ def test_directories_without_a_file_are_an_error(run, directory):
     assert run({}, "check", "conf.d", "-").returncode == 0
 
 
+def test_the_empty_path_is_shown_as_the_root_directory():
+    if list(pathlib.Path("/").glob("*.conf")):
+        pytest.skip("the root directory holds a configuration here")
+    result = run_config("check", "--format=gcc", "--config=")
+    assert result.stdout.decode().splitlines()[-1].startswith("/:1:1: error: no directory holds a file")
+
+
 def test_a_directory_that_is_a_pattern_is_a_warning(run, directory):
     (directory / "d[x]").mkdir()
     (directory / "dx").mkdir()
