@@ -337,6 +337,15 @@ def test_values_of_a_list_are_judged_too(check):
     ]
 
 
+@pytest.mark.parametrize(
+    "value,columns",
+    [('"a";b', [6]), ("a; 'b'", [9]), ('"a";"b"', [6, 10]), ('"a;b"', [6]), ('"a;b', []), ("a\"b;c\"d", [])],
+)
+def test_quotes_around_each_value_of_a_list_are_told_or_those_around_all(value, columns, check):
+    found = [f"a.conf:2:{column} warning quoted-value" for column in columns]
+    assert check(in_config(f"Arch={value}"))[1] == found
+
+
 def test_a_word_of_unknown_length_behind_a_reference_may_keep_it_inside(check):
     assert check(in_config("Hostname=h", "Arch=  ${config:Config/Hostname}${HOME}"))[1] == [
         "a.conf:3:8 warning reference-shift"

@@ -146,12 +146,24 @@ void ValueChecker::check(const Entry& entry) {
 }
 
 void ValueChecker::checkQuotes(const Entry& entry) {
-    const std::string_view text = withoutSpace(entry.value);
-    const bool isQuoted = text.size() > 1 && text.front() == text.back() &&
-                          (text.front() == '"' || text.front() == '\'');
-    if (isQuoted) {
-        report(RuleId::QuotedValue, entry, spanOf(text, entry.line.text));
+    bool hasQuotedPiece = false;
+    std::string_view rest = entry.value;
+    for (std::string_view piece; takePiece(rest, ';', piece);) {
+        hasQuotedPiece = reportQuoted(entry, piece) || hasQuotedPiece;
     }
+    if (!hasQuotedPiece) {
+        (void)reportQuoted(entry, entry.value);  // a ';' between quotes ends a value all the same
+    }
+}
+
+bool ValueChecker::reportQuoted(const Entry& entry, std::string_view text) {
+    const std::string_view inner = withoutSpace(text);
+    const bool isQuoted = inner.size() > 1 && inner.front() == inner.back() &&
+                          (inner.front() == '"' || inner.front() == '\'');
+    if (isQuoted) {
+        report(RuleId::QuotedValue, entry, spanOf(inner, entry.line.text));
+    }
+    return isQuoted;
 }
 
 void ValueChecker::checkPiece(const Entry& entry, std::string_view text) {

@@ -47,6 +47,7 @@ private:
     };
 
     void checkQuotes(const Entry& entry);
+    bool reportQuoted(const Entry& entry, std::string_view text);
     void checkPiece(const Entry& entry, std::string_view text);
     void readTemplates(const Entry& entry, Piece& piece);
     void takeToken(const Entry& entry, Piece& piece, const TemplateToken& token);
