@@ -281,7 +281,7 @@ private:
 
 ExitStatus listIds() {
     for (const Rule& rule : rules()) {
-        std::cout << rule.name << '\t' << nameOf(rule.severity) << '\t' << rule.manual << '\n';
+        std::cout << rule.name << '\t' << severitiesOf(rule) << '\t' << rule.manual << '\n';
     }
     std::cout.flush();
     return std::cout.good() ? ExitSuccess : ExitUnavailable;
