@@ -205,6 +205,14 @@ def test_closed_streams_do_no_harm(run, directory):
         assert result.returncode == status, closed
 
 
+@pytest.mark.parametrize("command", [("check", "-"), ("files", "--names", "-")])
+def test_a_closed_standard_input_is_a_path_that_cannot_be_read(command):
+    line = " ".join(config_command(*command)) + " <&-"
+    result = subprocess.run(["sh", "-c", line], env=clean_environment(), capture_output=True)
+    assert (result.returncode, result.stdout) == (2, b"")
+    assert result.stderr == b"tarnwick-config: -: the standard input is closed\n"
+
+
 def test_a_reader_that_has_seen_enough_ends_it_quietly(directory):
     (directory / "a.conf").write_bytes(b" x\n" * 1000000)
     line = " ".join(config_command("check", "conf.d")) + " | head -n 1"

@@ -14,6 +14,7 @@
 
 #include "config/command.h"
 #include "config_loader.h"
+#include "process_setup.h"
 #include "vocabulary.h"
 
 namespace Tarnwick::Parser::ConfigTool {
@@ -73,7 +74,9 @@ ConfigurationPath classify(const std::string& path) {
         return classify("/");  // as it is for the tool
     }
     if (path == "-") {
-        return {path, PathKind::StandardInput};
+        return Tool::wasInputClosed()
+                   ? ConfigurationPath{path, PathKind::Unavailable, "the standard input is closed"}
+                   : ConfigurationPath{path, PathKind::StandardInput};
     }
     struct stat status = {};
     if (stat(path.c_str(), &status) == 0) {
