@@ -430,6 +430,17 @@ def test_names_of_ones_own_can_be_made_known(known, status, check):
     assert check(in_config("Mine=1"), "--strict", f"--known={known}")[0] == status
 
 
+@pytest.mark.parametrize("known", ["", "Foo/", "/"])
+def test_a_name_of_ones_own_has_a_group_or_a_key(known, run):
+    result = run("", "check", f"--known={known}", "conf.d")
+    assert result.returncode == 64
+    assert f"--known: '{known}' is not GROUP or GROUP/KEY" in result.stderr.decode()
+
+
+def test_a_name_of_ones_own_may_stand_above_any_group(check):
+    assert check("Mine=1\n", "--strict", "--known=/Mine") == (0, [])
+
+
 # --- The project's own files ---
 
 

@@ -314,6 +314,14 @@ void ignore(Options& options, const std::string& list) {
     }
 }
 
+// The group may be empty before a slash: keys above any header have no group.
+void know(Options& options, const std::string& name) {
+    if (name.empty() || name.ends_with('/')) {
+        throw CLI::ValidationError("--known: '" + name + "' is not GROUP or GROUP/KEY");
+    }
+    options.known.push_back(name);
+}
+
 }  // namespace
 
 Run addCheck(CLI::App& app) {
@@ -324,7 +332,7 @@ Run addCheck(CLI::App& app) {
     addOption(app, "--ignore", "ID[,ID]", "Leave these kinds of fault out",
               [options](const std::string& text) { ignore(*options, text); });
     addOption(app, "--known", "GROUP[/KEY]", "A name that a reader of your own knows",
-              [options](const std::string& text) { options->known.push_back(text); });
+              [options](const std::string& text) { know(*options, text); });
     app.add_flag("--strict", options->isStrict, "Exit with status 1 for warnings too");
     app.add_flag("--list-ids", options->listsIds, "List the kinds of fault and exit");
     return [options](const Context& context) {
