@@ -170,6 +170,12 @@ def test_the_mark_stands_below_the_fault_behind_tabs_and_characters_of_any_width
     assert result[2] == "      | " + " " * len("Arch=\\x09e??e ") + "^"
 
 
+def test_the_mark_stands_below_the_fault_behind_pictures_of_two_columns(run):
+    pictures = "\U0001f680\U0001f7e2\U0001f9e9\U0001fa90"
+    result = run(in_config(f"Arch={pictures}$x"), "check", "conf.d").stdout.decode().splitlines()
+    assert result[2] == "      | " + " " * (len("Arch=") + 2 * len(pictures)) + "^"
+
+
 def test_the_report_is_the_same_in_every_locale(run):
     text = in_config("Arch=\u00e9$x")
     reports = {run(text, "check", "conf.d", env={"LC_ALL": name}).stdout for name in ("C", "C.UTF-8", "POSIX")}
