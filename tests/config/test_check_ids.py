@@ -288,7 +288,9 @@ def test_who_refers_to_a_key_at_fault_has_no_fault_of_its_own(check):
     assert found == ["b.conf:2:11 error reference-circle"]
 
 
-@pytest.mark.parametrize("value,fault", [("${HOM}", "unknown-variable"), (" ", "blank-value"), ("$(x)", "template-dollar")])
+@pytest.mark.parametrize(
+    "value,fault", [("${HOM}", "unknown-variable"), (" ", "blank-value"), ("$(x)", "template-dollar")]
+)
 def test_who_refers_to_a_key_whose_value_was_rejected_has_no_fault_of_its_own(value, fault, check):
     reference, faulty = "Arch=${config:Config/Hostname}", f"Hostname={value}"
     assert check(in_config(reference, faulty))[1] == [f"a.conf:3:10 error {fault}"]
@@ -339,7 +341,7 @@ def test_values_of_a_list_are_judged_too(check):
 
 @pytest.mark.parametrize(
     "value,columns",
-    [('"a";b', [6]), ("a; 'b'", [9]), ('"a";"b"', [6, 10]), ('"a;b"', [6]), ('"a;b', []), ("a\"b;c\"d", [])],
+    [('"a";b', [6]), ("a; 'b'", [9]), ('"a";"b"', [6, 10]), ('"a;b"', [6]), ('"a;b', []), ('a"b;c"d', [])],
 )
 def test_quotes_around_each_value_of_a_list_are_told_or_those_around_all(value, columns, check):
     found = [f"a.conf:2:{column} warning quoted-value" for column in columns]
