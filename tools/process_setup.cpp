@@ -7,8 +7,11 @@
 namespace Tarnwick::Parser::Tool {
 namespace {
 
+bool isInputMissing = false;
+
 // Opened for reading alone, so that a value or record written there is known to be lost.
 void fillClosedDescriptors() {
+    isInputMissing = fcntl(STDIN_FILENO, F_GETFD) < 0;
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
         if (fcntl(descriptor, F_GETFD) < 0) {
             (void)open("/dev/null", O_RDONLY);  // takes the lowest free number, this one
@@ -35,6 +38,10 @@ void prepareProcess() {
     fillClosedDescriptors();
     survive(SIGPIPE);
     survive(SIGXFSZ);
+}
+
+bool wasInputClosed() {
+    return isInputMissing;
 }
 
 }  // namespace Tarnwick::Parser::Tool

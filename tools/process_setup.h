@@ -11,4 +11,8 @@ namespace Tarnwick::Parser::Tool {
 ///   and so does a process whose caller ignores the signal.
 void prepareProcess();
 
+/// Returns whether the caller left the standard input closed. What fills it ends at once, like an
+/// empty file.
+[[nodiscard]] bool wasInputClosed();
+
 }  // namespace Tarnwick::Parser::Tool

@@ -1,5 +1,6 @@
 """`check` over what nobody trusts yet: it ends, it stays small, and it runs and reads nothing else."""
 
+import itertools
 import os
 import re
 import shutil
@@ -99,7 +100,9 @@ def test_a_million_faults_need_no_more_memory_than_a_thousand(directory, plain_p
     line = b" indented\nArch=${NO}$\nNoSuchKey=1 # x\n"
     peaks = []
     for count in (1000, 250000):
-        (directory / "a.conf").write_bytes(b"[Config]\n" + line * count)
+        with open(directory / "a.conf", "wb") as file:  # a child begins with the memory of this process
+            file.write(b"[Config]\n")
+            file.writelines(itertools.repeat(line, count))
         command = config_command("check", "--format=gcc", directory)
         status, peak = peak_memory(command, stdout=subprocess.DEVNULL)
         assert status == 1
@@ -170,6 +173,12 @@ def test_the_mark_stands_below_the_fault_behind_tabs_and_characters_of_any_width
     assert result[2] == "      | " + " " * len("Arch=\\x09e??e ") + "^"
 
 
+def test_the_mark_stands_below_the_fault_behind_pictures_of_two_columns(run):
+    pictures = "\U0001f680\U0001f7e2\U0001f9e9\U0001fa90"
+    result = run(in_config(f"Arch={pictures}$x"), "check", "conf.d").stdout.decode().splitlines()
+    assert result[2] == "      | " + " " * (len("Arch=") + 2 * len(pictures)) + "^"
+
+
 def test_the_report_is_the_same_in_every_locale(run):
     text = in_config("Arch=\u00e9$x")
     reports = {run(text, "check", "conf.d", env={"LC_ALL": name}).stdout for name in ("C", "C.UTF-8", "POSIX")}
@@ -203,6 +212,14 @@ def test_closed_streams_do_no_harm(run, directory):
         line = " ".join(config_command("check", "conf.d")) + " " + closed
         result = subprocess.run(["sh", "-c", line], cwd=directory.parent, env=clean_environment(), capture_output=True)
         assert result.returncode == status, closed
+
+
+@pytest.mark.parametrize("command", [("check", "-"), ("files", "--names", "-")])
+def test_a_closed_standard_input_is_a_path_that_cannot_be_read(command):
+    line = " ".join(config_command(*command)) + " <&-"
+    result = subprocess.run(["sh", "-c", line], env=clean_environment(), capture_output=True)
+    assert (result.returncode, result.stdout) == (2, b"")
+    assert result.stderr == b"tarnwick-config: -: the standard input is closed\n"
 
 
 def test_a_reader_that_has_seen_enough_ends_it_quietly(directory):

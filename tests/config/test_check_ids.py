@@ -201,6 +201,13 @@ def test_directories_without_a_file_are_an_error(run, directory):
     assert run({}, "check", "conf.d", "-").returncode == 0
 
 
+def test_the_empty_path_is_shown_as_the_root_directory():
+    if list(pathlib.Path("/").glob("*.conf")):
+        pytest.skip("the root directory holds a configuration here")
+    result = run_config("check", "--format=gcc", "--config=")
+    assert result.stdout.decode().splitlines()[-1].startswith("/:1:1: error: no directory holds a file")
+
+
 def test_a_directory_that_is_a_pattern_is_a_warning(run, directory):
     (directory / "d[x]").mkdir()
     (directory / "dx").mkdir()
@@ -212,6 +219,20 @@ def test_a_directory_that_is_a_pattern_is_a_warning(run, directory):
 def test_a_path_that_is_only_a_pattern_is_read_as_the_tool_reads_it(run):
     result = run({"d1/a.conf": "", "d2/a.conf": ""}, "check", "--format=gcc", "conf.d/d[12]")
     assert (result.returncode, result.stdout.count(b"\n")) == (0, 1)
+
+
+def test_every_directory_that_fits_a_pattern_is_checked_by_itself(run, directory):
+    (directory / "p?").mkdir()
+    files = {"pa/20-x.conf": "", "pa/foo.ini": "", "pb/10-y.conf": "", "pb/9-z.conf": ""}
+    run(files, "--version")
+    (directory / "pb").chmod(0o777)
+    result = run({}, "check", "--format=gcc", "conf.d/p?")
+    assert [line.split()[0] + line.split()[-1] for line in result.stdout.decode().splitlines()] == [
+        "conf.d/p?:1:1:[path-pattern]",
+        "conf.d/pa/foo.ini:1:1:[file-not-read]",
+        "conf.d/pb:1:1:[writable-by-others]",
+        "conf.d/pb/9-z.conf:1:1:[file-order]",
+    ]
 
 
 def test_what_everybody_may_write_is_a_warning(check, directory):
@@ -231,6 +252,13 @@ def test_what_everybody_may_write_is_a_warning(check, directory):
 def test_keys_below_a_rejected_header_or_in_an_unknown_group_are_not_judged(check):
     status, found = check("[Config\nNoSuchKey=1\nArch = 1\n[Other]\nNoSuchKey=1\nArch = 1\n")
     assert found == ["a.conf:1:8 error group-not-closed", "a.conf:4:2 warning unknown-group"]
+
+
+def test_keys_below_a_rejected_header_do_not_belong_to_the_group_above(check):
+    above = "[Logging]\n[Config x\nHostname=foo\n[Config]\n[Other\nMounts=/a\n"
+    assert check(above)[1] == ["a.conf:2:10 error group-not-closed", "a.conf:5:7 error group-not-closed"]
+    generated = "[GeneratedConfig]\n[Confi$]\nUser=${HOME}\nUserId=abc\n"
+    assert check(generated)[1] == ["a.conf:2:7 error group-characters"]
 
 
 def test_keys_below_a_rejected_header_unset_nothing(check):
@@ -260,6 +288,35 @@ def test_who_refers_to_a_key_at_fault_has_no_fault_of_its_own(check):
     assert found == ["b.conf:2:11 error reference-circle"]
 
 
+@pytest.mark.parametrize(
+    "value,fault", [("${HOM}", "unknown-variable"), (" ", "blank-value"), ("$(x)", "template-dollar")]
+)
+def test_who_refers_to_a_key_whose_value_was_rejected_has_no_fault_of_its_own(value, fault, check):
+    reference, faulty = "Arch=${config:Config/Hostname}", f"Hostname={value}"
+    assert check(in_config(reference, faulty))[1] == [f"a.conf:3:10 error {fault}"]
+    assert check(in_config(reference, faulty, "Hostname="))[1] == [
+        f"a.conf:3:10 error {fault}",
+        "a.conf:2:6 warning reference-undefined",
+    ]
+
+
+def test_a_rejected_value_ends_a_circle(check):
+    assert check(RING + "DataRoot=$(x)\n")[1] == ["a.conf:4:10 error template-dollar"]
+
+
+@pytest.mark.parametrize(
+    "lines,words",
+    [
+        ([], "no file sets the key 'Config/Hostname'"),
+        (["Hostname="], "a file unsets the key 'Config/Hostname'"),
+        (["Hostname=x", "Hostname="], "a file unsets the key 'Config/Hostname'"),
+    ],
+)
+def test_a_reference_to_a_key_without_a_value_says_what_the_files_do_to_it(lines, words, run):
+    output = run(in_config("Arch=${config:Config/Hostname}", *lines), "check", "--format=gcc", "conf.d").stdout
+    assert output.decode() == f"conf.d/a.conf:2:6: warning: {words} [reference-undefined]\n"
+
+
 def test_one_knot_of_many_circles_is_one_fault(check):
     keys = range(20)
     lines = [f"K{key}=" + "".join(f"${{config:Config/K{other}}}" for other in keys) for key in keys]
@@ -280,6 +337,15 @@ def test_values_of_a_list_are_judged_too(check):
     assert check(in_config("Hostname=h", "Arch=x ${config:Config/Hostname};last"))[1] == [
         "a.conf:3:8 error reference-shift"
     ]
+
+
+@pytest.mark.parametrize(
+    "value,columns",
+    [('"a";b', [6]), ("a; 'b'", [9]), ('"a";"b"', [6, 10]), ('"a;b"', [6]), ('"a;b', []), ('a"b;c"d', [])],
+)
+def test_quotes_around_each_value_of_a_list_are_told_or_those_around_all(value, columns, check):
+    found = [f"a.conf:2:{column} warning quoted-value" for column in columns]
+    assert check(in_config(f"Arch={value}"))[1] == found
 
 
 def test_a_word_of_unknown_length_behind_a_reference_may_keep_it_inside(check):
@@ -332,6 +398,12 @@ def test_a_hint_names_the_cause(text, hint, run):
     assert b"hint" not in run(text, "check", "--format=gcc", "conf.d").stdout
 
 
+@pytest.mark.parametrize("line", ["[Foo", "DataRoot x"])
+def test_a_carriage_return_is_no_cause_of_what_is_missing_without_it_too(line, run):
+    faults = run(line + "\r\n", "check", "--ignore=carriage-return", "conf.d").stdout
+    assert b"expected '" in faults and b"hint" not in faults
+
+
 @pytest.mark.parametrize(
     "text,suggested",
     [
@@ -358,6 +430,17 @@ def test_a_name_like_no_other_gets_no_suggestion(run):
 @pytest.mark.parametrize("known,status", [("Config/Mine", 0), ("Config", 0), ("Config/Other", 1), ("Mine", 1)])
 def test_names_of_ones_own_can_be_made_known(known, status, check):
     assert check(in_config("Mine=1"), "--strict", f"--known={known}")[0] == status
+
+
+@pytest.mark.parametrize("known", ["", "Foo/", "/"])
+def test_a_name_of_ones_own_has_a_group_or_a_key(known, run):
+    result = run("", "check", f"--known={known}", "conf.d")
+    assert result.returncode == 64
+    assert f"--known: '{known}' is not GROUP or GROUP/KEY" in result.stderr.decode()
+
+
+def test_a_name_of_ones_own_may_stand_above_any_group(check):
+    assert check("Mine=1\n", "--strict", "--known=/Mine") == (0, [])
 
 
 # --- The project's own files ---

@@ -122,7 +122,8 @@ def test_ids_are_listed_with_severity_and_meaning(run):
     lines = run({}, "check", "--list-ids").stdout.decode().splitlines()
     rows = [line.split("\t") for line in lines]
     assert ["unknown-key", "warning", "a key outside the vocabulary of its group"] in rows
-    assert all(len(row) == 3 and row[1] in ("error", "warning") and row[2] for row in rows)
+    assert all(len(row) == 3 and row[1] in ("error", "warning", "error,warning") and row[2] for row in rows)
+    assert [row[0] for row in rows if "," in row[1]] == ["reference-shift"]
     assert len({row[0] for row in rows}) == len(rows) == 36
 
 

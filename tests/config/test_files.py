@@ -53,6 +53,20 @@ def test_names_are_the_keys_that_are_set_each_once(run):
     assert (result.returncode, result.stderr) == (0, b"")
 
 
+def test_names_of_a_file_that_cannot_be_read_are_missed_and_it_is_said_why(run, directory):
+    (directory / "a.conf").mkdir()
+    os.mkfifo(directory / "b.conf")
+    os.mkfifo(directory / "pipe")
+    result = run({"c.conf": "[Own]\nA=1\n"}, "files", "--names", "conf.d", "conf.d/pipe")
+    assert (result.returncode, result.stdout) == (2, b"Own/A\n")
+    assert result.stderr.decode().splitlines() == [
+        "tarnwick-config: conf.d/a.conf/: it is a directory",
+        "tarnwick-config: conf.d/b.conf: it is no regular file",
+        "tarnwick-config: conf.d/pipe: it is no regular file",
+    ]
+    assert run({}, "files", "conf.d").returncode == 0
+
+
 def test_names_come_from_the_standard_input_too_and_end_with_nul(run, tmp_path):
     (tmp_path / "input").write_text("[Own]\nA b=1")
     with open(tmp_path / "input", "rb") as file:
@@ -62,4 +76,4 @@ def test_names_come_from_the_standard_input_too_and_end_with_nul(run, tmp_path):
 def test_names_are_looked_for_in_nothing_but_regular_files(run, directory):
     os.mkfifo(directory / "a.conf")
     result = run({"b.conf": "[Own]\nA=1\n"}, "files", "--names", "conf.d")
-    assert (result.returncode, result.stdout) == (0, b"Own/A\n")
+    assert (result.returncode, result.stdout) == (2, b"Own/A\n")

@@ -100,28 +100,41 @@ private:
         if (firstDirectory_ == nullptr) {
             firstDirectory_ = &path;
         }
-        checkDirectoryItself(path);
+        const std::vector<std::string>& files = lists_.emplace_back(listConfigFiles(path));
+        const bool isPattern = checkPattern(path) && !files.empty();
+        if (!isPattern) {
+            checkDirectoryItself(path);
+        }
         const std::string* before = nullptr;
-        for (const std::string& file : lists_.emplace_back(listConfigFiles(path))) {
+        for (const std::string& file : files) {
             if (isStopped_) {
                 return;
             }
-            checkOrder(before, file);
+            if (before != nullptr && directoryOf(*before) == directoryOf(file)) {
+                checkOrder(*before, file);
+            } else if (isPattern) {
+                checkDirectoryItself(std::string(directoryOf(file)));
+            }
             checkFileOfDirectory(file);
             before = &file;
         }
     }
 
-    void checkDirectoryItself(const std::string& path) {
+    // Returns whether the path is taken for a pattern, which any number of directories may fit.
+    bool checkPattern(const std::string& path) {
         const std::size_t mark = path.find_first_of("*?[\\");
-        if (mark != path.npos) {
-            sink_(makeFault(RuleId::PathPattern, {path}, {}, path.substr(mark, 1)));
+        if (mark == path.npos) {
+            return false;
         }
+        sink_(makeFault(RuleId::PathPattern, {path}, {}, path.substr(mark, 1)));
+        return true;
+    }
+
+    void checkDirectoryItself(const std::string& path) {
         struct stat status = {};
-        if (stat(path.empty() ? "/" : path.c_str(), &status) != 0) {
-            return;  // a pattern
+        if (stat(path.c_str(), &status) == 0) {
+            checkMode(path, status.st_mode);
         }
-        checkMode(path, status.st_mode);
         std::string problem;
         for (const IgnoredFile& file : findIgnoredFiles(path, problem)) {
             sink_(makeFault(RuleId::FileNotRead, {file.path}, {}, file.reason));
@@ -156,17 +169,19 @@ private:
         }
     }
 
-    void checkOrder(const std::string* before, const std::string& path) {
-        if (before == nullptr) {
-            return;
-        }
-        const std::string_view earlier = numberOf(*before);
+    void checkOrder(const std::string& before, const std::string& path) {
+        const std::string_view earlier = numberOf(before);
         const std::string_view later = numberOf(path);
         const bool isLess =
             later.size() != earlier.size() ? later.size() < earlier.size() : later < earlier;
-        if (hasNumber(*before) && hasNumber(path) && isLess) {
-            sink_(makeFault(RuleId::FileOrder, {path}, {}, shortened(nameIn(*before))));
+        if (hasNumber(before) && hasNumber(path) && isLess) {
+            sink_(makeFault(RuleId::FileOrder, {path}, {}, shortened(nameIn(before))));
         }
+    }
+
+    // Without the slash behind what is a directory by the name of a file.
+    static std::string_view directoryOf(std::string_view path) {
+        return path.substr(0, path.rfind('/', path.size() - 2));
     }
 
     static std::string_view nameIn(std::string_view path) {
@@ -266,7 +281,7 @@ private:
 
 ExitStatus listIds() {
     for (const Rule& rule : rules()) {
-        std::cout << rule.name << '\t' << nameOf(rule.severity) << '\t' << rule.manual << '\n';
+        std::cout << rule.name << '\t' << severitiesOf(rule) << '\t' << rule.manual << '\n';
     }
     std::cout.flush();
     return std::cout.good() ? ExitSuccess : ExitUnavailable;
@@ -299,6 +314,14 @@ void ignore(Options& options, const std::string& list) {
     }
 }
 
+// The group may be empty before a slash: keys above any header have no group.
+void know(Options& options, const std::string& name) {
+    if (name.empty() || name.ends_with('/')) {
+        throw CLI::ValidationError("--known: '" + name + "' is not GROUP or GROUP/KEY");
+    }
+    options.known.push_back(name);
+}
+
 }  // namespace
 
 Run addCheck(CLI::App& app) {
@@ -309,7 +332,7 @@ Run addCheck(CLI::App& app) {
     addOption(app, "--ignore", "ID[,ID]", "Leave these kinds of fault out",
               [options](const std::string& text) { ignore(*options, text); });
     addOption(app, "--known", "GROUP[/KEY]", "A name that a reader of your own knows",
-              [options](const std::string& text) { options->known.push_back(text); });
+              [options](const std::string& text) { know(*options, text); });
     app.add_flag("--strict", options->isStrict, "Exit with status 1 for warnings too");
     app.add_flag("--list-ids", options->listsIds, "List the kinds of fault and exit");
     return [options](const Context& context) {

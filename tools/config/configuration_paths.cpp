@@ -14,6 +14,7 @@
 
 #include "config/command.h"
 #include "config_loader.h"
+#include "process_setup.h"
 #include "vocabulary.h"
 
 namespace Tarnwick::Parser::ConfigTool {
@@ -68,17 +69,17 @@ bool isDirectory(int directory, const char* name) {
 
 // --- Paths ---
 
-// The empty path is the root directory, as it is for the tool.
-std::string onDisk(const std::string& path) {
-    return path.empty() ? "/" : path;
-}
-
 ConfigurationPath classify(const std::string& path) {
+    if (path.empty()) {
+        return classify("/");  // as it is for the tool
+    }
     if (path == "-") {
-        return {path, PathKind::StandardInput};
+        return Tool::wasInputClosed()
+                   ? ConfigurationPath{path, PathKind::Unavailable, "the standard input is closed"}
+                   : ConfigurationPath{path, PathKind::StandardInput};
     }
     struct stat status = {};
-    if (stat(onDisk(path).c_str(), &status) == 0) {
+    if (stat(path.c_str(), &status) == 0) {
         return {path, S_ISDIR(status.st_mode) ? PathKind::Directory : PathKind::File};
     }
     const int cause = errno;
@@ -102,8 +103,7 @@ std::vector<ConfigurationPath> configurationPaths(const Context& context,
     return paths;
 }
 
-std::vector<IgnoredFile> findIgnoredFiles(const std::string& directory, std::string& problem) {
-    const std::string path = onDisk(directory);
+std::vector<IgnoredFile> findIgnoredFiles(const std::string& path, std::string& problem) {
     const DirectoryHandle handle(opendir(path.c_str()));
     if (!handle) {
         problem = std::strerror(errno);

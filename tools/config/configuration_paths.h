@@ -33,7 +33,7 @@ struct IgnoredFile {
 
 /// Returns the names of a directory that look meant but are not read, in byte order of their
 /// paths. Directories are never meant. Sets `problem` when the directory cannot be read.
-[[nodiscard]] std::vector<IgnoredFile> findIgnoredFiles(const std::string& directory,
+[[nodiscard]] std::vector<IgnoredFile> findIgnoredFiles(const std::string& path,
                                                         std::string& problem);
 
 /// A file that was opened.

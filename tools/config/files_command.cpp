@@ -82,12 +82,19 @@ class NameList {
 public:
     explicit NameList(char end) : end_(end) {}
 
-    // Nobody knows whose the keys are below a header that is rejected.
-    void add(const std::string& path) {
-        LineReader reader(path == "-" ? dup(STDIN_FILENO) : openRegularFile(path).descriptor);
+    // Nobody knows whose the keys are below a header that is rejected. Returns why the file could
+    // not be read, or nothing.
+    [[nodiscard]] std::string add(const std::string& path) {
+        const OpenedFile file =
+            path == "-" ? OpenedFile{.descriptor = dup(STDIN_FILENO)} : openRegularFile(path);
+        if (file.descriptor < 0) {
+            return file.problem;
+        }
+        LineReader reader(file.descriptor);
         std::optional<std::string> group = "";
         std::string_view text;
-        while (hasLine(reader.next(text))) {
+        LineReader::Outcome outcome = reader.next(text);
+        for (; hasLine(outcome); outcome = reader.next(text)) {
             const ConfigLine line = parseConfigLine(text);
             if (line.kind == ConfigLine::Kind::Group) {
                 group = line.name;
@@ -97,6 +104,7 @@ public:
                 print(*group + '/' + std::string(line.name));
             }
         }
+        return outcome == LineReader::Outcome::Failure ? "cannot be read" : "";
     }
 
 private:
@@ -131,23 +139,26 @@ std::vector<Listed> filesOf(const std::string& directory, std::string& problem) 
     return files;
 }
 
-// Shows every file of the paths to `take`.
+// Shows every file of the paths to `take`, which returns why it could not be read, or nothing.
 ExitStatus visit(const std::vector<ConfigurationPath>& paths,
-                 const std::function<void(const Listed& file)>& take) {
+                 const std::function<std::string(const Listed& file)>& take) {
     ExitStatus status = ExitSuccess;
+    const auto complain = [&status](const std::string& path, const std::string& problem) {
+        if (!problem.empty()) {
+            std::cerr << "tarnwick-config: " << escaped(path) << ": " << problem << '\n';
+            status = ExitUnavailable;
+        }
+    };
     for (const ConfigurationPath& path : paths) {
         std::string problem = path.problem;
         if (path.kind == PathKind::Directory) {
             for (const Listed& file : filesOf(path.path, problem)) {
-                take(file);
+                complain(file.path, take(file));
             }
         } else if (path.kind != PathKind::Unavailable) {
-            take({path.path, {}});
+            problem = take({path.path, {}});
         }
-        if (!problem.empty()) {
-            std::cerr << "tarnwick-config: " << escaped(path.path) << ": " << problem << '\n';
-            status = ExitUnavailable;
-        }
+        complain(path.path, problem);
     }
     return status;
 }
@@ -155,12 +166,12 @@ ExitStatus visit(const std::vector<ConfigurationPath>& paths,
 ExitStatus list(const Options& options, const Context& context) {
     FileList files(options);
     NameList names(options.endsInNul ? '\0' : '\n');
-    const auto take = [&](const Listed& file) {
-        if (!options.listsNames) {
-            files.add(file);
-        } else if (file.reason.empty()) {
-            names.add(file.path);
+    const auto take = [&](const Listed& file) -> std::string {
+        if (options.listsNames) {
+            return file.reason.empty() ? names.add(file.path) : "";
         }
+        files.add(file);
+        return {};
     };
     const ExitStatus status = visit(configurationPaths(context, options.paths), take);
     if (!options.listsNames) {

@@ -47,6 +47,19 @@ TEST(ProcessSetup, LetsWritingToAClosedStreamFailAllTheSame) {
     EXPECT_EQ(text, std::strerror(EBADF));
 }
 
+TEST(ProcessSetup, RemembersThatTheStandardInputWasClosed) {
+    const auto said = [](int closed) {
+        return Testing::textFromChild([closed] {
+            (void)dup2(1, 0);  // whatever the caller of the tests left
+            close(closed);
+            prepareProcess();
+            return std::string(wasInputClosed() ? "closed" : "open");
+        });
+    };
+    EXPECT_EQ(said(0), "closed");
+    EXPECT_EQ(said(2), "open");
+}
+
 TEST(ProcessSetup, LeavesOpenDescriptorsAsTheyAre) {
     const std::string text = Testing::textFromChild([] {
         int ends[2];

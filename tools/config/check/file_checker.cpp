@@ -63,8 +63,7 @@ constexpr std::array kCauses{
     CauseRow{[](const Rejected& rejected) { return rejected.line.starts_with(kByteOrderMark); },
              "the line begins with a byte-order mark: save the file without it"},
     CauseRow{[](const Rejected& rejected) {
-                 return rejected.line.ends_with('\r') &&
-                        (rejected.fault.empty() || rejected.fault == "\r");
+                 return rejected.line.ends_with('\r') && rejected.fault == "\r";
              },
              "the line ends in a carriage return: save the file with line feeds alone"},
     CauseRow{[](const Rejected& rejected) {

@@ -20,6 +20,7 @@ class Judgement {
 public:
     using Value = ReferenceGraph::Value;
     using Target = ReferenceGraph::Target;
+    using KeyState = ReferenceGraph::KeyState;
 
     Judgement(const ReferenceGraph& graph, bool hasAllFiles, const KnownNames& names,
               const FaultSink& sink)
@@ -174,7 +175,7 @@ private:
                 visits += 1;
             } else if (last != kNone) {
                 visits += nodes_[last].visits;
-            } else if (keyOf(target).isSet) {
+            } else if (keyOf(target).state == KeyState::Set) {
                 visits += 1;
             }
             visits = std::min(visits, kTooMany);
@@ -211,11 +212,16 @@ private:
     void tellUndefined(std::uint32_t value) {
         for (const Target& target : targetsOf(value)) {
             const std::string& name = *graph_.names_[target.key];
-            if (!keyOf(target).isSet && !isGenerated(name)) {
-                Fault fault = faultAt(RuleId::ReferenceUndefined, value, target, shortened(name));
-                fault.message += suggestionFor(name);
-                sink_(fault);
+            if (keyOf(target).state == KeyState::Set || isGenerated(name)) {
+                continue;
             }
+            Fault fault = faultAt(RuleId::ReferenceUndefined, value, target, shortened(name));
+            if (keyOf(target).state == KeyState::Unset) {
+                fault.message = "a file unsets the key '" + shortened(name) + "'";
+            } else {
+                fault.message += suggestionFor(name);
+            }
+            sink_(fault);
         }
     }
 
@@ -324,7 +330,7 @@ std::uint32_t ReferenceGraph::keepLine(const SourceLine& line) {
 
 void ReferenceGraph::addPlain(const std::string& group, const std::string& key) {
     Key& added = keys_[keyNumber(group, key)];
-    added.isSet = true;
+    added.state = KeyState::Set;
     added.lastValue = kNone;
 }
 
@@ -338,16 +344,14 @@ void ReferenceGraph::add(const std::string& group, const std::string& key, std::
                             static_cast<std::uint32_t>(reference.span.end)});
     }
     const std::uint32_t number = keyNumber(group, key);
-    keys_[number].isSet = true;
+    keys_[number].state = KeyState::Set;
     keys_[number].lastValue = static_cast<std::uint32_t>(values_.size());
     values_.push_back({line, number, firstTarget, targets_.size(), shift});
 }
 
 void ReferenceGraph::unset(const std::string& group, const std::string& key) {
-    const auto number = numbers_.find(group + '/' + key);
-    if (number != numbers_.end()) {
-        keys_[number->second] = {.firstValue = static_cast<std::uint32_t>(values_.size())};
-    }
+    keys_[keyNumber(group, key)] = {.state = KeyState::Unset,
+                                    .firstValue = static_cast<std::uint32_t>(values_.size())};
 }
 
 void ReferenceGraph::judge(bool hasAllFiles, const KnownNames& names, const FaultSink& sink) const {

@@ -38,7 +38,7 @@ public:
     /// the graph.
     [[nodiscard]] std::uint32_t keepLine(const SourceLine& line);
 
-    /// Adds a value without references to the key.
+    /// Adds a value to the key that has no references, or a fault that hides them.
     void addPlain(const std::string& group, const std::string& key);
 
     /// Adds a value that refers to others.
@@ -75,10 +75,11 @@ private:
         std::size_t endTarget = 0;
         std::optional<Shift> shift;
     };
+    enum class KeyState : std::uint8_t { Untouched, Set, Unset };
     struct Key {
-        bool isSet = false;
-        std::uint32_t firstValue = 0;     // those before it were taken away
-        std::uint32_t lastValue = kNone;  // kNone: it refers to nothing, or there is none
+        KeyState state = KeyState::Untouched;  // what the files said last
+        std::uint32_t firstValue = 0;          // those before it were taken away
+        std::uint32_t lastValue = kNone;       // kNone: it refers to nothing, or there is none
     };
 
     [[nodiscard]] std::uint32_t keyNumber(std::string_view group, std::string_view key);

@@ -44,7 +44,7 @@ constexpr std::array kRules{
     Rule{BlankValue,          "blank-value",          kError,   "the value is {name} alone: every request fails", "remove the white space; 'KEY=' unsets a key",
          "a value of white space alone, or of white space and references alone: every request ends with status 1"},
     Rule{ReferenceShift,      "reference-shift",      kError,   "white space is trimmed from the value, and the reference {name}", "remove the white space, or put other characters before and behind it",
-         "white space trimmed from a text that holds references: an error where a reference comes to lie past the end, a warning where text moves"},
+         "white space trimmed from a text that holds references: an error where a reference comes to lie past the end, a warning where text moves", true},
     Rule{ReferenceCircle,     "reference-circle",     kError,   "the key leads back to itself: {name}", "",
          "keys that lead back to themselves"},
     Rule{ReferenceTooMany,    "reference-too-many",   kError,   "the value draws on more than {name} other values", "",
@@ -117,6 +117,14 @@ const Rule* findRule(std::string_view name) {
 
 std::string_view nameOf(Severity severity) {
     return severity == Severity::Error ? "error" : "warning";
+}
+
+std::string severitiesOf(const Rule& rule) {
+    std::string names(nameOf(rule.severity));
+    if (rule.mayBeWarning) {
+        names.append(1, ',').append(nameOf(Severity::Warning));
+    }
+    return names;
 }
 
 }  // namespace Tarnwick::Parser::ConfigTool

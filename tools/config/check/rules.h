@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace Tarnwick::Parser::ConfigTool {
@@ -55,9 +56,10 @@ struct Rule {
     RuleId id;
     std::string_view name;
     Severity severity;
-    std::string_view words;   ///< of the message; "{name}" stands for the text at fault
-    std::string_view hint;    ///< what to do about it, or empty
-    std::string_view manual;  ///< when it is found, for the list of ids
+    std::string_view words;     ///< of the message; "{name}" stands for the text at fault
+    std::string_view hint;      ///< what to do about it, or empty
+    std::string_view manual;    ///< when it is found, for the list of ids
+    bool mayBeWarning = false;  ///< an error that is a warning in lesser cases
 };
 
 /// Returns all rules, by `RuleId`.
@@ -69,5 +71,8 @@ struct Rule {
 [[nodiscard]] const Rule* findRule(std::string_view name);
 
 [[nodiscard]] std::string_view nameOf(Severity severity);
+
+/// Returns the names of all severities that faults of the rule may have, with commas between.
+[[nodiscard]] std::string severitiesOf(const Rule& rule);
 
 }  // namespace Tarnwick::Parser::ConfigTool

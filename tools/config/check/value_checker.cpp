@@ -146,18 +146,32 @@ void ValueChecker::check(const Entry& entry) {
 }
 
 void ValueChecker::checkQuotes(const Entry& entry) {
-    const std::string_view text = withoutSpace(entry.value);
-    const bool isQuoted = text.size() > 1 && text.front() == text.back() &&
-                          (text.front() == '"' || text.front() == '\'');
-    if (isQuoted) {
-        report(RuleId::QuotedValue, entry, spanOf(text, entry.line.text));
+    bool hasQuotedPiece = false;
+    std::string_view rest = entry.value;
+    for (std::string_view piece; takePiece(rest, ';', piece);) {
+        hasQuotedPiece = reportQuoted(entry, piece) || hasQuotedPiece;
     }
+    if (!hasQuotedPiece) {
+        (void)reportQuoted(entry, entry.value);  // a ';' between quotes ends a value all the same
+    }
+}
+
+bool ValueChecker::reportQuoted(const Entry& entry, std::string_view text) {
+    const std::string_view inner = withoutSpace(text);
+    const bool isQuoted = inner.size() > 1 && inner.front() == inner.back() &&
+                          (inner.front() == '"' || inner.front() == '\'');
+    if (isQuoted) {
+        report(RuleId::QuotedValue, entry, spanOf(inner, entry.line.text));
+    }
+    return isQuoted;
 }
 
 void ValueChecker::checkPiece(const Entry& entry, std::string_view text) {
     Piece piece{.text = text, .first = spanOf(text, entry.line.text).first, .references = {}};
     readTemplates(entry, piece);
-    if (!piece.isFaulty) {
+    if (piece.isFaulty) {
+        keepFaulty(entry);
+    } else {
         store(entry, piece);
     }
 }
@@ -208,7 +222,7 @@ void ValueChecker::takeVariable(const Entry& entry, Piece& piece, const Template
         return;
     }
     piece.lastWord = token.end;
-    if (isGeneratedUserKey(entry)) {
+    if (entry.isOfKnownGroup && isGeneratedUserKey(entry)) {
         report(RuleId::GeneratedTemplate, entry, span, entry.key);
     }
 }
@@ -280,10 +294,11 @@ void ValueChecker::store(const Entry& entry, const Piece& piece) {
         reportWithHint(RuleId::BlankValue, entry, {piece.first, piece.first + piece.text.size()},
                        piece.references.empty() ? "white space" : "white space and references",
                        hasReturn ? ruleOf(RuleId::CarriageReturn).hint : "");
+        keepFaulty(entry);
         return;
     }
     keep(entry, piece, value);
-    if (piece.hasTemplates) {
+    if (piece.hasTemplates || !entry.isOfKnownGroup) {
         return;
     }
     for (const TypeRow& row : kTypes) {
@@ -306,6 +321,13 @@ void ValueChecker::keep(const Entry& entry, const Piece& piece, const ConfigValu
         line_ = graph_.keepLine(entry.line);
     }
     graph_.add(entry.group, entry.key, *line_, piece.references, shiftOf(piece, value));
+}
+
+// A key at fault is set, and nothing else is known of it: who refers to it has no fault of its own.
+void ValueChecker::keepFaulty(const Entry& entry) {
+    if (entry.isOfKnownGroup) {
+        graph_.addPlain(entry.group, entry.key);
+    }
 }
 
 // White space trimmed in front is not subtracted from the positions of references. A position past

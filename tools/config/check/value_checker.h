@@ -47,6 +47,7 @@ private:
     };
 
     void checkQuotes(const Entry& entry);
+    bool reportQuoted(const Entry& entry, std::string_view text);
     void checkPiece(const Entry& entry, std::string_view text);
     void readTemplates(const Entry& entry, Piece& piece);
     void takeToken(const Entry& entry, Piece& piece, const TemplateToken& token);
@@ -56,6 +57,7 @@ private:
     void checkComment(const Entry& entry, const Piece& piece, const TemplateToken& literal);
     void store(const Entry& entry, const Piece& piece);
     void keep(const Entry& entry, const Piece& piece, const ConfigValue& value);
+    void keepFaulty(const Entry& entry);
     [[nodiscard]] static std::optional<Shift> shiftOf(const Piece& piece, const ConfigValue& value);
     void report(RuleId rule, const Entry& entry, Span span, std::string_view name = {});
     void reportWithHint(RuleId rule, const Entry& entry, Span span, std::string_view name,
