@@ -35,20 +35,23 @@ int printText(const std::string& text) {
     return std::cout.good() ? ExitSuccess : ExitUnavailable;
 }
 
-// Without a command the first word is what was taken for one.
+// A word that nothing takes explains more than what is missing, such as an operand.
 std::string problemOf(const CLI::App& app, const CLI::ParseError& error) {
-    const std::vector<std::string> words = app.remaining();
-    if (!app.get_subcommands().empty() || words.empty()) {
-        return error.what();
+    const std::vector<std::string> words = app.remaining(true);
+    const auto option = std::find_if(words.begin(), words.end(),
+                                     [](const auto& word) { return word.starts_with('-'); });
+    if (option != words.end()) {
+        return "there is no option '" + *option + "'";
     }
-    const bool isOption = words.front().starts_with('-');
-    return (isOption ? "there is no option '" : "there is no command '") + words.front() + "'";
+    const bool hasCommand = !app.get_subcommands().empty();
+    return hasCommand || words.empty() ? error.what()
+                                       : "there is no command '" + words.front() + "'";
 }
 
 int refuse(const CLI::App& app, const CLI::ParseError& error) {
-    const std::vector<CLI::App*> chosen = app.get_subcommands();
+    const auto declared = app.get_subcommands([](const CLI::App*) { return true; });
     std::cerr << kName << ": " << escaped(problemOf(app, error)) << "\nTry '" << kName
-              << (chosen.empty() ? "" : ' ' + chosen.front()->get_name()) << " --help'.\n";
+              << (declared.size() == 1 ? ' ' + declared.front()->get_name() : "") << " --help'.\n";
     return ExitUsage;
 }
 
