@@ -1,11 +1,14 @@
 """The command line that all commands share."""
 
+import os
 import pathlib
+import pty
 import re
+import subprocess
 
 import pytest
 from config_helpers import in_config
-from support.tool import run_config
+from support.tool import clean_environment, config_command, run_config
 
 CMAKE = (pathlib.Path(__file__).parents[2] / "CMakeLists.txt").read_bytes()
 VERSION = re.search(rb"^project\(.* VERSION (\S+)", CMAKE, flags=re.MULTILINE).group(1)
@@ -144,3 +147,33 @@ def test_one_argument_for_each_option(run):
 def test_without_a_path_the_default_directory_is_read():
     result = run_config("files")
     assert result.returncode == 0 or b"/etc/tarnwick.conf.d: " in result.stderr
+
+
+@pytest.mark.skipif(not os.path.exists("/dev/full"), reason="no full device here")
+@pytest.mark.parametrize(
+    "arguments", [["check", "--list-ids"], ["files", "conf.d"], ["files", "--names", "conf.d"], ["--help"], ["--version"]]
+)
+def test_a_full_output_is_status_2_and_said_once(arguments, run):
+    with open("/dev/full", "wb") as full:
+        result = run(in_config(*(f"Key{number}=1" for number in range(5000))), *arguments, stdout=full)
+    assert (result.returncode, result.stderr) == (2, b"tarnwick-config: cannot write to the standard output\n")
+
+
+def test_a_reader_that_has_seen_enough_ends_a_list_quietly(run, directory):
+    run(in_config(*(f"Key{number}=1" for number in range(100000))), "--version")
+    line = "{ " + " ".join(config_command("files", "--names", "conf.d")) + "; echo $? >&2; } | head -n 1"
+    result = subprocess.run(["sh", "-c", line], cwd=directory.parent, env=clean_environment(), capture_output=True)
+    assert (result.stdout, result.stderr) == (b"Config/Key0\n", b"2\n")
+
+
+@pytest.mark.parametrize("variables,has_color", [({}, True), ({"NO_COLOR": "1"}, False), ({"NO_COLOR": ""}, False)])
+def test_a_terminal_gets_colours_unless_no_color_is_set_even_to_nothing(variables, has_color, run, directory):
+    run(in_config("Arch=$"), "--version")
+    environment = clean_environment()
+    environment.pop("NO_COLOR", None)
+    leader, follower = pty.openpty()
+    command = config_command("check", "conf.d")
+    subprocess.run(command, cwd=directory.parent, stdout=follower, env={**environment, **variables}, check=False)
+    assert (b"\x1b[" in os.read(leader, 4096)) == has_color
+    os.close(leader)
+    os.close(follower)

@@ -16,6 +16,7 @@
 #include "config/configuration_paths.h"
 #include "config/display.h"
 #include "config/json.h"
+#include "config/output.h"
 #include "config_file.h"
 #include "config_loader.h"
 #include "support/line_reader.h"
@@ -87,7 +88,7 @@ public:
         LineReader reader(path == "-" ? dup(STDIN_FILENO) : openRegularFile(path).descriptor);
         std::optional<std::string> group = "";
         std::string_view text;
-        while (hasLine(reader.next(text))) {
+        while (std::cout.good() && hasLine(reader.next(text))) {
             const ConfigLine line = parseConfigLine(text);
             if (line.kind == ConfigLine::Kind::Group) {
                 group = line.name;
@@ -131,15 +132,20 @@ std::vector<Listed> filesOf(const std::string& directory, std::string& problem) 
     return files;
 }
 
-// Shows every file of the paths to `take`.
+// Shows every file of the paths to `take`, as long as the output takes more.
 ExitStatus visit(const std::vector<ConfigurationPath>& paths,
                  const std::function<void(const Listed& file)>& take) {
     ExitStatus status = ExitSuccess;
     for (const ConfigurationPath& path : paths) {
+        if (!std::cout.good()) {
+            break;
+        }
         std::string problem = path.problem;
         if (path.kind == PathKind::Directory) {
             for (const Listed& file : filesOf(path.path, problem)) {
-                take(file);
+                if (std::cout.good()) {
+                    take(file);
+                }
             }
         } else if (path.kind != PathKind::Unavailable) {
             take({path.path, {}});
@@ -166,8 +172,7 @@ ExitStatus list(const Options& options, const Context& context) {
     if (!options.listsNames) {
         files.finish();
     }
-    std::cout.flush();
-    return std::cout.good() ? status : ExitUnavailable;
+    return finishOutput() ? status : ExitUnavailable;
 }
 
 void setFormat(Options& options, const std::string& name) {

@@ -14,6 +14,7 @@
 #include "config/arguments.h"
 #include "config/command.h"
 #include "config/display.h"
+#include "config/output.h"
 #include "process_setup.h"
 
 namespace Tarnwick::Parser::ConfigTool {
@@ -22,8 +23,7 @@ bool Context::hasColor() const {
     if (color != Color::Auto) {
         return color == Color::Always;
     }
-    const char* refusal = std::getenv("NO_COLOR");
-    return isatty(STDOUT_FILENO) == 1 && (refusal == nullptr || *refusal == '\0');
+    return isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
 }
 
 namespace {
@@ -31,8 +31,8 @@ namespace {
 constexpr const char* kName = "tarnwick-config";
 
 int printText(const std::string& text) {
-    std::cout << text << std::flush;
-    return std::cout.good() ? ExitSuccess : ExitUnavailable;
+    std::cout << text;
+    return finishOutput() ? ExitSuccess : ExitUnavailable;
 }
 
 // A word that nothing takes explains more than what is missing, such as an operand.
