@@ -116,7 +116,8 @@ def test_what_follows_two_dashes_is_a_path(tmp_path):
 
 
 @pytest.mark.parametrize(
-    "operands", [["A", "--", "B"], ["--", "A", "B"], ["A", "B", "--"], ["B", "--", "A", "--"], ["A", "--", "-k", "--list"]]
+    "operands",
+    [["A", "--", "B"], ["--", "A", "B"], ["A", "B", "--"], ["B", "--", "A", "--"], ["A", "--", "-k", "--list"]],
 )
 def test_two_dashes_may_stand_between_operands(operands, run):
     names = operands.copy()
@@ -151,7 +152,8 @@ def test_without_a_path_the_default_directory_is_read():
 
 @pytest.mark.skipif(not os.path.exists("/dev/full"), reason="no full device here")
 @pytest.mark.parametrize(
-    "arguments", [["check", "--list-ids"], ["files", "conf.d"], ["files", "--names", "conf.d"], ["--help"], ["--version"]]
+    "arguments",
+    [["check", "--list-ids"], ["files", "conf.d"], ["files", "--names", "conf.d"], ["--help"], ["--version"]],
 )
 def test_a_full_output_is_status_2_and_said_once(arguments, run):
     with open("/dev/full", "wb") as full:
