@@ -1,15 +1,18 @@
 """`tarnwick-config get`: many keys from one load."""
 
 import base64
+import functools
 import json
 import os
+import resource
 import subprocess
 
 import pytest
 from config_helpers import in_config, valid_json
-from support.tool import clean_environment, config_command, run_tool
+from support.tool import CONFIG_TOOL, EMULATOR, clean_environment, config_command, is_watched, run_config, run_tool
 
 ASK = ["get", "--config=conf.d", "--user-id=0"]
+MEGABYTE = 1024 * 1024
 CIRCLE = ("Circle=a${config:Config/Ring}", "Ring=b${config:Config/Circle}")
 SHIFT = ("Here=h", "Shift=x ${config:Config/Here}")
 
@@ -93,6 +96,7 @@ def test_without_a_configuration_it_is_status_1(run):
         (["get", "--format=xml", "A"], "--format: 'xml' is not text, shell or json"),
         (["get", "--format=json", "-z", "A"], "-z goes with --format=text alone"),
         (["get", "--prefix=X", "A"], "--prefix goes with --format=shell alone"),
+        (["get", "--format=json", "A", b"A\xff"], "'A\\xFF' is no UTF-8 and can name no member"),
         (["get", "--format=json", "ABase64", "A"], "'ABase64' stands for the bytes of 'A' in this form"),
         (
             ["get", "--format=shell", "A", "9-lives"],
@@ -138,6 +142,22 @@ def test_a_reader_that_has_seen_enough_ends_it_quietly_with_status_1(run, direct
     line = "{ " + " ".join(config_command(*ASK, "A", "B")) + "; echo $? >&2; } | head -n 1"
     result = subprocess.run(["sh", "-c", line], cwd=directory.parent, env=clean_environment(), capture_output=True)
     assert (result.stdout, result.stderr) == (b"1\n", b"1\n")
+
+
+@pytest.mark.parametrize("form", ["text", "shell", "json"])
+def test_want_of_memory_is_status_1_and_leaves_no_half_line_to_a_shell(form, run, directory):
+    if is_watched(CONFIG_TOOL) or EMULATOR:
+        pytest.skip("limits are for builds without sanitizers and counters")
+    ask = [*ASK, f"--format={form}", "A", "B"]
+    whole = run(in_config("A=1", "B=" + "'" * 8 * MEGABYTE), *ask).stdout
+    outcomes = set()
+    for limit in range(32 * MEGABYTE, 192 * MEGABYTE, 8 * MEGABYTE):
+        set_limit = functools.partial(resource.setrlimit, resource.RLIMIT_AS, (limit, limit))
+        result = run_config(*ask, cwd=directory.parent, preexec_fn=set_limit)
+        outcomes.add(result.returncode)
+        assert result.returncode == 1 or (result.returncode, result.stdout) == (0, whole)
+        assert form != "shell" or result.stdout in (b"", whole) or result.stdout.endswith(b"\n(exit 1)\n")
+    assert outcomes == {0, 1}
 
 
 # --- Shell ---

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "command_line.h"
 #include "config/command.h"
@@ -13,19 +14,16 @@
 namespace Tarnwick::Parser::ConfigTool {
 namespace {
 
-// The library takes "[a,b]" for a list wherever it stands. A byte behind such a text keeps it
-// whole, and goes again when the text is read.
+// Stands in front of every value and operand, so that the library takes none of them for an option,
+// a command or a list such as "[a,b]", and misses none that is empty.
 constexpr char kGuard = '\1';
 
-std::string guarded(std::string text) {
-    if (text.starts_with('[')) {
-        text += kGuard;
-    }
-    return text;
+std::string guarded(std::string_view text) {
+    return kGuard + std::string(text);
 }
 
-std::string asTyped(const std::string& text) {
-    return text.starts_with('[') ? text.substr(0, text.size() - 1) : text;
+std::string asTyped(const std::string& word) {
+    return word.starts_with(kGuard) ? word.substr(1) : word;
 }
 
 void setUserId(Context& context, const std::string& text) {
@@ -75,31 +73,58 @@ const CLI::Option* findOption(const CLI::App& app, const std::string& name) {
     return nullptr;
 }
 
-bool takesValue(const CLI::App& app, const std::string& name) {
-    const CLI::Option* option = name.starts_with("--") ? findOption(app, name) : nullptr;
+bool takesValue(const CLI::Option* option) {
     return option != nullptr && option->get_items_expected_min() > 0;
 }
 
-// The library takes the argument behind "--name=" for its value: an empty one is made of it.
-std::vector<std::string> prepared(const CLI::App& app, int count, const char* const* arguments) {
-    std::vector<std::string> texts;
-    bool isValue = false;  // of the option before it, whatever it looks like
-    bool hasOptions = true;
-    for (int index = 1; index < count; ++index) {
-        const std::string text = arguments[index];
-        const bool isEmptyValue = hasOptions && !isValue && text.ends_with('=') &&
-                                  takesValue(app, text.substr(0, text.size() - 1));
-        hasOptions = hasOptions && (isValue || text != "--");
-        isValue = hasOptions && !isValue && takesValue(app, text);
-        if (isEmptyValue) {
-            texts.push_back(text.substr(0, text.size() - 1));
-            texts.emplace_back();
+/// Makes words for the library of the arguments: options as they are, and guarded texts.
+class Words {
+public:
+    explicit Words(const CLI::App& app) : app_(app) {}
+
+    void add(const std::string& text) {
+        if (isValue_) {
+            isValue_ = false;
+            words_.push_back(guarded(text));
+        } else if (hasOptions_ && text == "--") {
+            hasOptions_ = false;
+        } else if (hasOptions_ && text.size() > 1 && text.starts_with('-')) {
+            addOption(text);
         } else {
-            texts.push_back(guarded(text));
+            addOperand(text);
         }
     }
-    return texts;
-}
+
+    [[nodiscard]] std::vector<std::string> take() && { return std::move(words_); }
+
+private:
+    void addOption(const std::string& text) {
+        const std::size_t end = text.find('=');
+        const std::string name = text.substr(0, end);
+        const CLI::Option* option = findOption(app_, name);
+        if (option == nullptr || end == text.npos) {
+            words_.push_back(text);
+            isValue_ = takesValue(option);
+        } else if (takesValue(option)) {
+            words_.push_back(name);
+            words_.push_back(guarded(text.substr(end + 1)));
+        } else {
+            throw CLI::ValidationError(name + " takes no value");
+        }
+    }
+
+    // The first one is the command.
+    void addOperand(const std::string& text) {
+        words_.push_back(hasCommand_ ? guarded(text) : text);
+        hasCommand_ = true;
+    }
+
+    const CLI::App& app_;
+    std::vector<std::string> words_;
+    bool isValue_ = false;  // of the option before it, whatever it looks like
+    bool hasOptions_ = true;
+    bool hasCommand_ = false;
+};
 
 }  // namespace
 
@@ -148,7 +173,7 @@ std::string_view commandWord(const CLI::App& app, int count, const char* const* 
         if (!text.starts_with('-')) {
             return text;
         }
-        if (takesValue(app, std::string(text))) {
+        if (takesValue(findOption(app, std::string(text)))) {
             ++index;
         }
     }
@@ -156,7 +181,11 @@ std::string_view commandWord(const CLI::App& app, int count, const char* const* 
 }
 
 void parseArguments(CLI::App& app, int count, const char* const* arguments) {
-    std::vector<std::string> texts = prepared(app, count, arguments);
+    Words words(app);
+    for (int index = 1; index < count; ++index) {
+        words.add(arguments[index]);
+    }
+    std::vector<std::string> texts = std::move(words).take();
     std::reverse(texts.begin(), texts.end());  // the library takes them from the back
     app.parse(std::move(texts));
 }

@@ -18,6 +18,7 @@
 #include "config/command.h"
 #include "config/configuration_paths.h"
 #include "config/display.h"
+#include "config/output.h"
 #include "config_loader.h"
 #include "support/split_string.h"
 
@@ -283,8 +284,7 @@ ExitStatus listIds() {
     for (const Rule& rule : rules()) {
         std::cout << rule.name << '\t' << severitiesOf(rule) << '\t' << rule.manual << '\n';
     }
-    std::cout.flush();
-    return std::cout.good() ? ExitSuccess : ExitUnavailable;
+    return finishOutput() ? ExitSuccess : ExitUnavailable;
 }
 
 // --- Options ---

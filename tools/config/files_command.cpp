@@ -16,6 +16,7 @@
 #include "config/configuration_paths.h"
 #include "config/display.h"
 #include "config/json.h"
+#include "config/output.h"
 #include "config_file.h"
 #include "config_loader.h"
 #include "support/line_reader.h"
@@ -94,7 +95,7 @@ public:
         std::optional<std::string> group = "";
         std::string_view text;
         LineReader::Outcome outcome = reader.next(text);
-        for (; hasLine(outcome); outcome = reader.next(text)) {
+        for (; std::cout.good() && hasLine(outcome); outcome = reader.next(text)) {
             const ConfigLine line = parseConfigLine(text);
             if (line.kind == ConfigLine::Kind::Group) {
                 group = line.name;
@@ -139,7 +140,8 @@ std::vector<Listed> filesOf(const std::string& directory, std::string& problem) 
     return files;
 }
 
-// Shows every file of the paths to `take`, which returns why it could not be read, or nothing.
+// Shows every file of the paths to `take`, which returns why it could not be read, or nothing, as
+// long as the output takes more.
 ExitStatus visit(const std::vector<ConfigurationPath>& paths,
                  const std::function<std::string(const Listed& file)>& take) {
     ExitStatus status = ExitSuccess;
@@ -150,10 +152,15 @@ ExitStatus visit(const std::vector<ConfigurationPath>& paths,
         }
     };
     for (const ConfigurationPath& path : paths) {
+        if (!std::cout.good()) {
+            break;
+        }
         std::string problem = path.problem;
         if (path.kind == PathKind::Directory) {
             for (const Listed& file : filesOf(path.path, problem)) {
-                complain(file.path, take(file));
+                if (std::cout.good()) {
+                    complain(file.path, take(file));
+                }
             }
         } else if (path.kind != PathKind::Unavailable) {
             problem = take({path.path, {}});
@@ -177,8 +184,7 @@ ExitStatus list(const Options& options, const Context& context) {
     if (!options.listsNames) {
         files.finish();
     }
-    std::cout.flush();
-    return std::cout.good() ? status : ExitUnavailable;
+    return finishOutput() ? status : ExitUnavailable;
 }
 
 void setFormat(Options& options, const std::string& name) {

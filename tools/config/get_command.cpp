@@ -144,29 +144,36 @@ bool holdsNul(const Answer& answer) {
 }
 
 // A variable without an answer is unset, so that an inherited one does not pass for it, also when
-// nothing could be loaded. The status comes last, because `eval` loses that of the program.
+// nothing could be loaded. The status comes last, because `eval` loses that of the program. Nothing
+// is printed before the text is whole: half a line would be evaluated too.
 ExitStatus printShell(const Answers& answers, const Options& options, ExitStatus status) {
     if (std::count_if(answers.begin(), answers.end(), holdsNul) > 0) {
         return ExitFailure;
     }
+    std::string text;
     for (const Answer& answer : answers) {
         const std::string variable = variableOf(answer.name, options);
-        if (answer.status == ExitSuccess) {
-            std::cout << variable << '=' << shellQuoted(answer.text) << '\n';
-        } else {
-            std::cout << "unset -v " << variable << '\n';
-        }
+        text += answer.status == ExitSuccess ? variable + '=' + shellQuoted(answer.text)
+                                             : "unset -v " + variable;
+        text += '\n';
     }
     if (status != ExitSuccess) {
-        std::cout << "(exit " << status << ")\n";
+        text += "(exit " + std::to_string(status) + ")\n";
     }
+    std::cout << text;
     return status;
 }
 
 // --- JSON ---
 
-// The bytes of a value that is no UTF-8 stand beside it by a name of their own.
+// Two keys that are no UTF-8 could become one name. The bytes of a value that is none stand beside
+// it by a name of their own.
 void checkMembers(const Options& options) {
+    for (const std::string& typed : options.keys) {
+        if (findInvalidUtf8(typed) != typed.npos) {
+            throw CLI::ValidationError("'" + typed + "' is no UTF-8 and can name no member");
+        }
+    }
     const std::set<std::string_view> names(options.keys.begin(), options.keys.end());
     const auto clashes = [&](const std::string& name) {
         return names.contains(name + kBytesSuffix);
@@ -240,8 +247,7 @@ void checkOptions(const Options& options) {
     options.format->check(options);
 }
 
-ExitStatus get(const Options& options, const Context& context) {
-    setUpLogging(context);
+ExitStatus answer(const Options& options, const Context& context) {
     const Answers answers = findAnswers(options, context);
     ExitStatus status = ExitSuccess;
     for (const Answer& answer : answers) {
@@ -249,6 +255,17 @@ ExitStatus get(const Options& options, const Context& context) {
     }
     status = options.format->print(answers, options, status);
     return finishOutput() ? status : ExitFailure;
+}
+
+// Whatever goes wrong, it is no key without a value.
+ExitStatus get(const Options& options, const Context& context) {
+    try {
+        setUpLogging(context);
+        return answer(options, context);
+    } catch (const std::exception& error) {
+        std::cerr << "tarnwick-config: " << escaped(error.what()) << '\n';
+        return ExitFailure;
+    }
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "config/arguments.h"
 #include "config/command.h"
 #include "config/display.h"
+#include "config/output.h"
 #include "process_setup.h"
 
 namespace Tarnwick::Parser::ConfigTool {
@@ -22,8 +23,7 @@ bool Context::hasColor() const {
     if (color != Color::Auto) {
         return color == Color::Always;
     }
-    const char* refusal = std::getenv("NO_COLOR");
-    return isatty(STDOUT_FILENO) == 1 && (refusal == nullptr || *refusal == '\0');
+    return isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
 }
 
 namespace {
@@ -31,24 +31,27 @@ namespace {
 constexpr const char* kName = "tarnwick-config";
 
 int printText(const std::string& text) {
-    std::cout << text << std::flush;
-    return std::cout.good() ? ExitSuccess : ExitUnavailable;
+    std::cout << text;
+    return finishOutput() ? ExitSuccess : ExitUnavailable;
 }
 
-// Without a command the first word is what was taken for one.
+// A word that nothing takes explains more than what is missing, such as an operand.
 std::string problemOf(const CLI::App& app, const CLI::ParseError& error) {
-    const std::vector<std::string> words = app.remaining();
-    if (!app.get_subcommands().empty() || words.empty()) {
-        return error.what();
+    const std::vector<std::string> words = app.remaining(true);
+    const auto option = std::find_if(words.begin(), words.end(),
+                                     [](const auto& word) { return word.starts_with('-'); });
+    if (option != words.end()) {
+        return "there is no option '" + *option + "'";
     }
-    const bool isOption = words.front().starts_with('-');
-    return (isOption ? "there is no option '" : "there is no command '") + words.front() + "'";
+    const bool hasCommand = !app.get_subcommands().empty();
+    return hasCommand || words.empty() ? error.what()
+                                       : "there is no command '" + words.front() + "'";
 }
 
 int refuse(const CLI::App& app, const CLI::ParseError& error) {
-    const std::vector<CLI::App*> chosen = app.get_subcommands();
+    const auto declared = app.get_subcommands([](const CLI::App*) { return true; });
     std::cerr << kName << ": " << escaped(problemOf(app, error)) << "\nTry '" << kName
-              << (chosen.empty() ? "" : ' ' + chosen.front()->get_name()) << " --help'.\n";
+              << (declared.size() == 1 ? ' ' + declared.front()->get_name() : "") << " --help'.\n";
     return ExitUsage;
 }
 
