@@ -99,13 +99,27 @@ FAULTY = in_config("Ring=${config:Config/Ring}", "A=1", "Here=h", "Shift=ok;x ${
 FAULTY_SAID = b"ERROR: Max depth reached, possibly circular reference.\n"
 
 
-def test_keys_that_fail_are_named_and_the_rest_is_shown(show):
-    said = FAULTY_SAID + b"tarnwick-config: Config/Ring: " + CIRCLE_SAID
-    said += b"tarnwick-config: Config/Shift: " + SHIFT_SAID
-    assert show(FAULTY, said=said) == (1, b"Config/A=1\nConfig/Here=h\nConfig/B=2\n")
+def test_values_that_fail_are_named_and_the_rest_is_shown(show):
+    said = FAULTY_SAID + b"tarnwick-config: conf.d/a.conf:2: Config/Ring: " + CIRCLE_SAID
+    said += b"tarnwick-config: conf.d/a.conf:5: Config/Shift: " + SHIFT_SAID
+    assert show(FAULTY, said=said) == (1, b"Config/A=1\nConfig/Here=h\nConfig/Shift=ok\nConfig/B=2\n")
     assert show(FAULTY, "Config/A") == (0, b"Config/A=1\n")
-    assert show(FAULTY, "Nope", "Config/Ring", said=said.split(b"tarnwick-config: Config/Shift")[0]
+    assert show(FAULTY, "Nope", "Config/Ring", said=said.split(b"tarnwick-config: conf.d/a.conf:5")[0]
                 + b"tarnwick-config: Nope: no file sets it\n") == (1, b"")  # fmt: skip
+
+
+EARLIER = in_config("R=${config:Config/R}", "K=${config:Config/R};cur", "L=a;${config:Config/R}", "L=x${config:Config/K}")
+EARLIER_SAID = b"".join(
+    FAULTY_SAID + b"tarnwick-config: conf.d/a.conf:%s: " % place + CIRCLE_SAID
+    for place in (b"2: Config/R", b"3: Config/K", b"4: Config/L")
+)
+
+
+def test_good_values_of_a_key_are_shown_when_others_of_it_fail(show):
+    assert show(EARLIER, "--origin", said=EARLIER_SAID) == (
+        1,
+        b"conf.d/a.conf:3\tConfig/K=cur\nconf.d/a.conf:4\tConfig/L=a\nconf.d/a.conf:5\tConfig/L=xcur\n",
+    )
 
 
 def test_as_written_nothing_fails(show):
@@ -191,9 +205,24 @@ def test_json_has_the_current_value_and_all_values_with_their_origins(show):
 
 def test_json_is_one_key_a_line_and_never_broken(show):
     assert show(FILES, "--format=json", "A")[1].count(b"\n") == 3
-    said = FAULTY_SAID + b"tarnwick-config: Config/Ring: " + CIRCLE_SAID
+    said = FAULTY_SAID + b"tarnwick-config: conf.d/a.conf:2: Config/Ring: " + CIRCLE_SAID
     status, output = show(FAULTY, "--format=json", "Config/Ring", said=said)
     assert (status, valid_json("show", output)) == (1, {"keys": []})
+
+
+def test_json_has_the_good_values_of_a_key_and_null_for_a_current_one_that_fails(show):
+    status, output = show(EARLIER, "--format=json", said=EARLIER_SAID)
+    keys = valid_json("show", output)["keys"]
+    assert (status, [(key["key"], key["value"]) for key in keys]) == (1, [("K", "cur"), ("L", "xcur")])
+    assert [[(value["value"], value["line"]) for value in key["values"]] for key in keys] == [
+        [("cur", 3)],
+        [("a", 4), ("xcur", 5)],
+    ]
+    said = FAULTY_SAID + b"tarnwick-config: conf.d/a.conf:2: Config/R: " + CIRCLE_SAID
+    ring = in_config("R=a$$;${config:Config/R}")
+    status, output = show(ring, "--format=json", said=said)
+    [key] = valid_json("show", output)["keys"]
+    assert (status, key["value"], [value["value"] for value in key["values"]]) == (1, None, ["a$"])
 
 
 def test_json_of_nothing_is_an_empty_list(show):

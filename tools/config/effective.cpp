@@ -60,40 +60,36 @@ std::vector<std::string> Selection::missing() const {
     return names;
 }
 
-void Effective::visit(const Show& show, const Fail& fail) const {
-    std::vector<std::string> texts;
+void Effective::visit(const Show& show) const {
+    std::vector<ShownValue> values;
+    Filled filled;
     stored_.forEachKey([&](const StoredKey& key) {
         if (!selection_.takes(key.group, key.key)) {
             return true;
         }
-        const std::string_view problem = findTexts(key, texts);
-        if (problem.empty()) {
-            return show({key, texts});
+        values.clear();
+        filled.clear();
+        for (std::size_t index = 0; index < key.origins.size(); ++index) {
+            values.push_back(valueAt(key, index, filled));
         }
-        fail(key, problem);
-        return true;
+        return show({key, values});
     });
 }
 
-// Sets the texts of all values. Returns why one has none, or nothing. Only values with references
-// are looked up: in a large configuration a lookup costs as much as to store the value.
-std::string_view Effective::findTexts(const StoredKey& key, std::vector<std::string>& texts) const {
-    texts.resize(key.origins.size());
-    for (std::size_t index = 0; index < texts.size(); ++index) {
-        const ValueOrigin& origin = key.origins[index];
-        if (kind_ == Texts::AsWritten) {
-            texts[index] = origin.raw;
-        } else if (!origin.hasReferences) {
-            texts[index] = origin.text;
-        } else {
-            const ConfigValue& value = parser_.valueList(key.group, key.key)[index];
-            const std::string_view problem = resolve(parser_, value, texts[index]);
-            if (!problem.empty()) {
-                return problem;
-            }
-        }
+// Only a value with references is looked up, and its text kept in `filled`: in a large
+// configuration a lookup costs as much as to store the value.
+ShownValue Effective::valueAt(const StoredKey& key, std::size_t index, Filled& filled) const {
+    const ValueOrigin& origin = key.origins[index];
+    if (kind_ == Texts::AsWritten) {
+        return {&origin, origin.raw};
     }
-    return {};
+    if (!origin.hasReferences) {
+        return {&origin, origin.text};
+    }
+    const ConfigValue& value = parser_.valueList(key.group, key.key)[index];
+    std::string& text = filled.emplace_back();
+    const std::string_view problem = resolve(parser_, value, text);
+    return {&origin, text, problem};
 }
 
 }  // namespace Tarnwick::Parser::ConfigTool

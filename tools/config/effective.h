@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -36,10 +37,19 @@ private:
 /// Whether texts are shown with their templates, as they were written.
 enum class Texts { Expanded, AsWritten };
 
-/// One key with the texts of its values, as many as it has origins.
+/// One value: its text, or the reason why it has none.
+struct ShownValue {
+    const ValueOrigin* origin;
+    std::string_view text = {};
+    std::string_view problem = {};  ///< empty: none
+
+    [[nodiscard]] bool hasFailed() const { return !problem.empty(); }
+};
+
+/// One key with all its values. The texts are valid until the next key is visited.
 struct ShownKey {
     const StoredKey& stored;
-    const std::vector<std::string>& texts;
+    const std::vector<ShownValue>& values;  ///< the last one is current
 };
 
 /// The configuration that a load left, key by key.
@@ -51,14 +61,14 @@ public:
 
     /// Is called for a key; returns whether to go on.
     using Show = std::function<bool(const ShownKey& key)>;
-    /// Is called for a key of which a value cannot be resolved, with the reason.
-    using Fail = std::function<void(const StoredKey& key, std::string_view problem)>;
 
-    /// Calls `show` or `fail` for each selected key, in the order of the first value of each.
-    void visit(const Show& show, const Fail& fail) const;
+    /// Calls `show` for each selected key, in the order of the first value of each.
+    void visit(const Show& show) const;
 
 private:
-    std::string_view findTexts(const StoredKey& key, std::vector<std::string>& texts) const;
+    using Filled = std::deque<std::string>;  // its texts stay where they are when it grows
+
+    ShownValue valueAt(const StoredKey& key, std::size_t index, Filled& filled) const;
 
     ConfigParser& parser_;
     const StoredValues& stored_;
