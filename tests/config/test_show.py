@@ -84,9 +84,16 @@ def test_groups_and_keys_are_selected(show):
 
 
 def test_a_selection_of_nothing_is_status_2(show):
-    said = b"tarnwick-config: Nope: no file sets it\ntarnwick-config: A/M: no file sets it\n"
+    said = b"tarnwick-config: Nope: it has no value\ntarnwick-config: A/M: it has no value\n"
     assert show(FILES, "Nope", "A/M", said=said) == (2, b"")
-    assert show(FILES, "Nope", "A", said=b"tarnwick-config: Nope: no file sets it\n") == (0, b"A/L=$l\n")
+    assert show(FILES, "Nope", "A", said=b"tarnwick-config: Nope: it has no value\n") == (0, b"A/L=$l\n")
+
+
+def test_a_key_that_files_set_and_unset_or_whose_value_was_dropped_has_no_value(run):
+    result = run(in_config("A=1", "A=", "B=${nope:}"), *SHOW, "Config/A", "Config/B")
+    said = b"tarnwick-config: Config/A: it has no value\ntarnwick-config: Config/B: it has no value\n"
+    assert (result.returncode, result.stdout) == (2, b"")
+    assert result.stderr.endswith(said)
 
 
 def test_nothing_to_show_is_no_failure(show):
@@ -105,7 +112,7 @@ def test_values_that_fail_are_named_and_the_rest_is_shown(show):
     assert show(FAULTY, said=said) == (1, b"Config/A=1\nConfig/Here=h\nConfig/Shift=ok\nConfig/B=2\n")
     assert show(FAULTY, "Config/A") == (0, b"Config/A=1\n")
     assert show(FAULTY, "Nope", "Config/Ring", said=said.split(b"tarnwick-config: conf.d/a.conf:5")[0]
-                + b"tarnwick-config: Nope: no file sets it\n") == (1, b"")  # fmt: skip
+                + b"tarnwick-config: Nope: it has no value\n") == (1, b"")  # fmt: skip
 
 
 EARLIER = in_config("R=${config:Config/R}", "K=${config:Config/R};cur", "L=a;${config:Config/R}", "L=x${config:Config/K}")
