@@ -83,6 +83,16 @@ def test_groups_and_keys_are_selected(show):
     assert show(FILES, "/Early") == show(FILES, "") == (0, b"/Early=e\n")
 
 
+def test_each_of_many_names_selects_its_key_and_is_named_when_it_selects_none(run):
+    names = [f"Config/K{number}" for number in range(3000)]
+    result = run(in_config(*(f"K{number}=x" for number in range(1000, 2000))), *SHOW, *names, "Config/K1500")
+    assert result.returncode == 0
+    assert result.stdout.decode().splitlines() == [name + "=x" for name in names[1000:2000]]
+    assert result.stderr.decode().splitlines() == [
+        f"tarnwick-config: {name}: it has no value" for name in (*names[:1000], *names[2000:])
+    ]
+
+
 def test_a_selection_of_nothing_is_status_2(show):
     said = b"tarnwick-config: Nope: it has no value\ntarnwick-config: A/M: it has no value\n"
     assert show(FILES, "Nope", "A/M", said=said) == (2, b"")

@@ -33,27 +33,37 @@ std::string_view resolve(const ConfigParser& parser, const ConfigValue& value, s
 Selection::Selection(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         const std::size_t slash = name.find('/');
-        const bool isGroup = slash == name.npos;
-        items_.push_back(
-            {name, name.substr(0, slash), isGroup ? "" : name.substr(slash + 1), isGroup});
+        Group& group = groups_[name.substr(0, slash)];
+        if (slash == name.npos) {
+            group.isWhole = true;
+            items_.push_back({name, &group.isFound});
+        } else {
+            items_.push_back({name, &group.keys[name.substr(slash + 1)]});
+        }
     }
 }
 
 bool Selection::takes(const std::string& group, const std::string& key) {
-    bool isTaken = items_.empty();
-    for (Item& item : items_) {
-        if (item.group == group && (item.isGroup || item.key == key)) {
-            item.isFound = true;
-            isTaken = true;
-        }
+    if (items_.empty()) {
+        return true;
     }
-    return isTaken;
+    const auto entry = groups_.find(group);
+    if (entry == groups_.end()) {
+        return false;
+    }
+    entry->second.isFound = true;
+    const auto selected = entry->second.keys.find(key);
+    const bool isSelected = selected != entry->second.keys.end();
+    if (isSelected) {
+        selected->second = true;
+    }
+    return isSelected || entry->second.isWhole;
 }
 
 std::vector<std::string> Selection::missing() const {
     std::vector<std::string> names;
     for (const Item& item : items_) {
-        if (!item.isFound) {
+        if (!*item.isFound) {
             names.push_back(item.name);
         }
     }

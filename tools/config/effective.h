@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "config/stored_values.h"
@@ -16,6 +17,9 @@ class Selection {
 public:
     /// Each name is GROUP or GROUP/KEY. Without any, every key is selected.
     explicit Selection(const std::vector<std::string>& names);
+    Selection(const Selection&) = delete;  // a part of it points into another
+    Selection& operator=(const Selection&) = delete;
+    ~Selection() = default;
 
     /// Returns whether the key is selected, and notes what has selected it.
     [[nodiscard]] bool takes(const std::string& group, const std::string& key);
@@ -24,14 +28,18 @@ public:
     [[nodiscard]] std::vector<std::string> missing() const;
 
 private:
+    // A name that was typed; several can say the same.
     struct Item {
-        std::string name;  // as it was typed
-        std::string group;
-        std::string key;
-        bool isGroup;  // all its keys
-        bool isFound = false;
+        std::string name;
+        const bool* isFound;
     };
-    std::vector<Item> items_;
+    struct Group {
+        bool isWhole = false;  // selected with all its keys
+        bool isFound = false;
+        std::unordered_map<std::string, bool> keys;  // those selected, and whether they were found
+    };
+    std::unordered_map<std::string, Group> groups_;
+    std::vector<Item> items_;  // in the order of the command line; they point into `groups_`
 };
 
 /// Whether texts are shown with their templates, as they were written.

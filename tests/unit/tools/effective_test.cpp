@@ -86,6 +86,8 @@ TEST_F(EffectiveValues, AreSelectedByGroupAndByKey) {
     EXPECT_EQ(missing_, Names{});
     EXPECT_EQ(seen({"C", "A/K", "A/M", "A/"}), (Names{"A/K=1:3"}));
     EXPECT_EQ(missing_, (Names{"C", "A/M", "A/"}));
+    EXPECT_EQ(seen({"A/N", "A/K", "A", "D", "A/K", "A/N"}), (Names{"A/K=1:3", "A/L=2:4"}));
+    EXPECT_EQ(missing_, (Names{"A/N", "D", "A/N"}));
 }
 
 TEST_F(EffectiveValues, NameTheFileOfEachValue) {
