@@ -201,6 +201,24 @@ def test_nothing_is_written_of_what_no_file_can_hold(show):
     assert show(text, "--format=ini", "Config/Good") == (0, b"[Config]\nGood=1\n")
 
 
+EARLY_SAID = b" cannot be written: it is read before variables and references are known\n"
+
+
+@pytest.mark.parametrize("template", ["${HOME}", "${config:Config/A}", "x;${config:Config/A};y", "${env:PATH}"])
+@pytest.mark.parametrize("key", ["BaseUid", "Home", "Instance", "UserId", "User"])
+def test_no_file_is_written_of_templates_in_keys_that_tell_whose_configuration_it_is(key, template, run):
+    text = in_config("A=0", "Home=${HOME}") + f"[GeneratedConfig]\nOther=${{HOME}}\n{key}={template}\n"
+    result = run(text, *SHOW, "--format=ini")
+    assert (result.returncode, result.stdout) == (1, b"")
+    assert result.stderr.endswith(b"tarnwick-config: GeneratedConfig/" + key.encode() + EARLY_SAID)
+    assert run(text, *SHOW, "--format=ini", "Config", "GeneratedConfig/Other").returncode == 0
+
+
+def test_a_file_is_written_of_plain_texts_that_tell_whose_configuration_it_is(show):
+    text = b"[GeneratedConfig]\nHome=/a$$b\nHome=/$$\n"
+    assert show(text, "--format=ini") == (0, text)
+
+
 # --- JSON ---
 
 

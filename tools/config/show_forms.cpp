@@ -5,9 +5,12 @@
 #include <iostream>
 #include <unordered_map>
 
+#include "active_user.h"
 #include "config/display.h"
 #include "config/ini_text.h"
 #include "config/json.h"
+#include "template_text.h"
+#include "vocabulary.h"
 
 namespace Tarnwick::Parser::ConfigTool {
 namespace {
@@ -108,8 +111,32 @@ private:
     std::vector<std::string> texts_;  // in the order of the groups
 };
 
+// The keys that tell whose configuration it is.
+bool isReadFirst(const StoredKey& key) {
+    const auto keys = Tool::generatedUserKeys();
+    return key.group == kGroupGeneratedConfig &&
+           std::any_of(keys.begin(), keys.end(),
+                       [&](const std::string* each) { return *each == key.key; });
+}
+
+bool holdsTemplate(const ShownValue& value) {
+    TemplateCursor cursor(value.origin->raw);
+    TemplateToken token;
+    while (cursor.next(token)) {
+        if (token.kind != TemplateToken::Kind::Literal) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // Returns why no lines load as these values, or an empty text.
 std::string_view problemOf(const ShownKey& key) {
+    if (isReadFirst(key.stored) &&
+        std::any_of(key.values.begin(), key.values.end(), holdsTemplate)) {
+        // A text in its place would count there where the template did not.
+        return "it is read before variables and references are known";
+    }
     for (const ShownValue& value : key.values) {
         const std::string_view problem = value.hasFailed() ? value.problem : iniProblem(value.text);
         if (!problem.empty()) {
