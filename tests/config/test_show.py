@@ -125,7 +125,9 @@ def test_values_that_fail_are_named_and_the_rest_is_shown(show):
                 + b"tarnwick-config: Nope: it has no value\n") == (1, b"")  # fmt: skip
 
 
-EARLIER = in_config("R=${config:Config/R}", "K=${config:Config/R};cur", "L=a;${config:Config/R}", "L=x${config:Config/K}")
+EARLIER = in_config(
+    "R=${config:Config/R}", "K=${config:Config/R};cur", "L=a;${config:Config/R}", "L=x${config:Config/K}"
+)
 EARLIER_SAID = b"".join(
     FAULTY_SAID + b"tarnwick-config: conf.d/a.conf:%s: " % place + CIRCLE_SAID
     for place in (b"2: Config/R", b"3: Config/K", b"4: Config/L")
