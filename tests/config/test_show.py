@@ -83,10 +83,27 @@ def test_groups_and_keys_are_selected(show):
     assert show(FILES, "/Early") == show(FILES, "") == (0, b"/Early=e\n")
 
 
+def test_each_of_many_names_selects_its_key_and_is_named_when_it_selects_none(run):
+    names = [f"Config/K{number}" for number in range(3000)]
+    result = run(in_config(*(f"K{number}=x" for number in range(1000, 2000))), *SHOW, *names, "Config/K1500")
+    assert result.returncode == 0
+    assert result.stdout.decode().splitlines() == [name + "=x" for name in names[1000:2000]]
+    assert result.stderr.decode().splitlines() == [
+        f"tarnwick-config: {name}: it has no value" for name in (*names[:1000], *names[2000:])
+    ]
+
+
 def test_a_selection_of_nothing_is_status_2(show):
-    said = b"tarnwick-config: Nope: no file sets it\ntarnwick-config: A/M: no file sets it\n"
+    said = b"tarnwick-config: Nope: it has no value\ntarnwick-config: A/M: it has no value\n"
     assert show(FILES, "Nope", "A/M", said=said) == (2, b"")
-    assert show(FILES, "Nope", "A", said=b"tarnwick-config: Nope: no file sets it\n") == (0, b"A/L=$l\n")
+    assert show(FILES, "Nope", "A", said=b"tarnwick-config: Nope: it has no value\n") == (0, b"A/L=$l\n")
+
+
+def test_a_key_that_files_set_and_unset_or_whose_value_was_dropped_has_no_value(run):
+    result = run(in_config("A=1", "A=", "B=${nope:}"), *SHOW, "Config/A", "Config/B")
+    said = b"tarnwick-config: Config/A: it has no value\ntarnwick-config: Config/B: it has no value\n"
+    assert (result.returncode, result.stdout) == (2, b"")
+    assert result.stderr.endswith(said)
 
 
 def test_nothing_to_show_is_no_failure(show):
@@ -99,13 +116,29 @@ FAULTY = in_config("Ring=${config:Config/Ring}", "A=1", "Here=h", "Shift=ok;x ${
 FAULTY_SAID = b"ERROR: Max depth reached, possibly circular reference.\n"
 
 
-def test_keys_that_fail_are_named_and_the_rest_is_shown(show):
-    said = FAULTY_SAID + b"tarnwick-config: Config/Ring: " + CIRCLE_SAID
-    said += b"tarnwick-config: Config/Shift: " + SHIFT_SAID
-    assert show(FAULTY, said=said) == (1, b"Config/A=1\nConfig/Here=h\nConfig/B=2\n")
+def test_values_that_fail_are_named_and_the_rest_is_shown(show):
+    said = FAULTY_SAID + b"tarnwick-config: conf.d/a.conf:2: Config/Ring: " + CIRCLE_SAID
+    said += b"tarnwick-config: conf.d/a.conf:5: Config/Shift: " + SHIFT_SAID
+    assert show(FAULTY, said=said) == (1, b"Config/A=1\nConfig/Here=h\nConfig/Shift=ok\nConfig/B=2\n")
     assert show(FAULTY, "Config/A") == (0, b"Config/A=1\n")
-    assert show(FAULTY, "Nope", "Config/Ring", said=said.split(b"tarnwick-config: Config/Shift")[0]
-                + b"tarnwick-config: Nope: no file sets it\n") == (1, b"")  # fmt: skip
+    assert show(FAULTY, "Nope", "Config/Ring", said=said.split(b"tarnwick-config: conf.d/a.conf:5")[0]
+                + b"tarnwick-config: Nope: it has no value\n") == (1, b"")  # fmt: skip
+
+
+EARLIER = in_config(
+    "R=${config:Config/R}", "K=${config:Config/R};cur", "L=a;${config:Config/R}", "L=x${config:Config/K}"
+)
+EARLIER_SAID = b"".join(
+    FAULTY_SAID + b"tarnwick-config: conf.d/a.conf:%s: " % place + CIRCLE_SAID
+    for place in (b"2: Config/R", b"3: Config/K", b"4: Config/L")
+)
+
+
+def test_good_values_of_a_key_are_shown_when_others_of_it_fail(show):
+    assert show(EARLIER, "--origin", said=EARLIER_SAID) == (
+        1,
+        b"conf.d/a.conf:3\tConfig/K=cur\nconf.d/a.conf:4\tConfig/L=a\nconf.d/a.conf:5\tConfig/L=xcur\n",
+    )
 
 
 def test_as_written_nothing_fails(show):
@@ -170,6 +203,24 @@ def test_nothing_is_written_of_what_no_file_can_hold(show):
     assert show(text, "--format=ini", "Config/Good") == (0, b"[Config]\nGood=1\n")
 
 
+EARLY_SAID = b" cannot be written: it is read before variables and references are known\n"
+
+
+@pytest.mark.parametrize("template", ["${HOME}", "${config:Config/A}", "x;${config:Config/A};y", "${env:PATH}"])
+@pytest.mark.parametrize("key", ["BaseUid", "Home", "Instance", "UserId", "User"])
+def test_no_file_is_written_of_templates_in_keys_that_tell_whose_configuration_it_is(key, template, run):
+    text = in_config("A=0", "Home=${HOME}") + f"[GeneratedConfig]\nOther=${{HOME}}\n{key}={template}\n"
+    result = run(text, *SHOW, "--format=ini")
+    assert (result.returncode, result.stdout) == (1, b"")
+    assert result.stderr.endswith(b"tarnwick-config: GeneratedConfig/" + key.encode() + EARLY_SAID)
+    assert run(text, *SHOW, "--format=ini", "Config", "GeneratedConfig/Other").returncode == 0
+
+
+def test_a_file_is_written_of_plain_texts_that_tell_whose_configuration_it_is(show):
+    text = b"[GeneratedConfig]\nHome=/a$$b\nHome=/$$\n"
+    assert show(text, "--format=ini") == (0, text)
+
+
 # --- JSON ---
 
 
@@ -191,9 +242,24 @@ def test_json_has_the_current_value_and_all_values_with_their_origins(show):
 
 def test_json_is_one_key_a_line_and_never_broken(show):
     assert show(FILES, "--format=json", "A")[1].count(b"\n") == 3
-    said = FAULTY_SAID + b"tarnwick-config: Config/Ring: " + CIRCLE_SAID
+    said = FAULTY_SAID + b"tarnwick-config: conf.d/a.conf:2: Config/Ring: " + CIRCLE_SAID
     status, output = show(FAULTY, "--format=json", "Config/Ring", said=said)
     assert (status, valid_json("show", output)) == (1, {"keys": []})
+
+
+def test_json_has_the_good_values_of_a_key_and_null_for_a_current_one_that_fails(show):
+    status, output = show(EARLIER, "--format=json", said=EARLIER_SAID)
+    keys = valid_json("show", output)["keys"]
+    assert (status, [(key["key"], key["value"]) for key in keys]) == (1, [("K", "cur"), ("L", "xcur")])
+    assert [[(value["value"], value["line"]) for value in key["values"]] for key in keys] == [
+        [("cur", 3)],
+        [("a", 4), ("xcur", 5)],
+    ]
+    said = FAULTY_SAID + b"tarnwick-config: conf.d/a.conf:2: Config/R: " + CIRCLE_SAID
+    ring = in_config("R=a$$;${config:Config/R}")
+    status, output = show(ring, "--format=json", said=said)
+    [key] = valid_json("show", output)["keys"]
+    assert (status, key["value"], [value["value"] for value in key["values"]]) == (1, None, ["a$"])
 
 
 def test_json_of_nothing_is_an_empty_list(show):

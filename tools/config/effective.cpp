@@ -33,67 +33,73 @@ std::string_view resolve(const ConfigParser& parser, const ConfigValue& value, s
 Selection::Selection(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         const std::size_t slash = name.find('/');
-        const bool isGroup = slash == name.npos;
-        items_.push_back(
-            {name, name.substr(0, slash), isGroup ? "" : name.substr(slash + 1), isGroup});
+        Group& group = groups_[name.substr(0, slash)];
+        if (slash == name.npos) {
+            group.isWhole = true;
+            items_.push_back({name, &group.isFound});
+        } else {
+            items_.push_back({name, &group.keys[name.substr(slash + 1)]});
+        }
     }
 }
 
 bool Selection::takes(const std::string& group, const std::string& key) {
-    bool isTaken = items_.empty();
-    for (Item& item : items_) {
-        if (item.group == group && (item.isGroup || item.key == key)) {
-            item.isFound = true;
-            isTaken = true;
-        }
+    if (items_.empty()) {
+        return true;
     }
-    return isTaken;
+    const auto entry = groups_.find(group);
+    if (entry == groups_.end()) {
+        return false;
+    }
+    entry->second.isFound = true;
+    const auto selected = entry->second.keys.find(key);
+    const bool isSelected = selected != entry->second.keys.end();
+    if (isSelected) {
+        selected->second = true;
+    }
+    return isSelected || entry->second.isWhole;
 }
 
 std::vector<std::string> Selection::missing() const {
     std::vector<std::string> names;
     for (const Item& item : items_) {
-        if (!item.isFound) {
+        if (!*item.isFound) {
             names.push_back(item.name);
         }
     }
     return names;
 }
 
-void Effective::visit(const Show& show, const Fail& fail) const {
-    std::vector<std::string> texts;
+void Effective::visit(const Show& show) const {
+    std::vector<ShownValue> values;
+    Filled filled;
     stored_.forEachKey([&](const StoredKey& key) {
         if (!selection_.takes(key.group, key.key)) {
             return true;
         }
-        const std::string_view problem = findTexts(key, texts);
-        if (problem.empty()) {
-            return show({key, texts});
+        values.clear();
+        filled.clear();
+        for (std::size_t index = 0; index < key.origins.size(); ++index) {
+            values.push_back(valueAt(key, index, filled));
         }
-        fail(key, problem);
-        return true;
+        return show({key, values});
     });
 }
 
-// Sets the texts of all values. Returns why one has none, or nothing. Only values with references
-// are looked up: in a large configuration a lookup costs as much as to store the value.
-std::string_view Effective::findTexts(const StoredKey& key, std::vector<std::string>& texts) const {
-    texts.resize(key.origins.size());
-    for (std::size_t index = 0; index < texts.size(); ++index) {
-        const ValueOrigin& origin = key.origins[index];
-        if (kind_ == Texts::AsWritten) {
-            texts[index] = origin.raw;
-        } else if (!origin.hasReferences) {
-            texts[index] = origin.text;
-        } else {
-            const ConfigValue& value = parser_.valueList(key.group, key.key)[index];
-            const std::string_view problem = resolve(parser_, value, texts[index]);
-            if (!problem.empty()) {
-                return problem;
-            }
-        }
+// Only a value with references is looked up, and its text kept in `filled`: in a large
+// configuration a lookup costs as much as to store the value.
+ShownValue Effective::valueAt(const StoredKey& key, std::size_t index, Filled& filled) const {
+    const ValueOrigin& origin = key.origins[index];
+    if (kind_ == Texts::AsWritten) {
+        return {&origin, origin.raw};
     }
-    return {};
+    if (!origin.hasReferences) {
+        return {&origin, origin.text};
+    }
+    const ConfigValue& value = parser_.valueList(key.group, key.key)[index];
+    std::string& text = filled.emplace_back();
+    const std::string_view problem = resolve(parser_, value, text);
+    return {&origin, text, problem};
 }
 
 }  // namespace Tarnwick::Parser::ConfigTool

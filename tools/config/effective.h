@@ -1,8 +1,10 @@
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "config/stored_values.h"
@@ -15,6 +17,9 @@ class Selection {
 public:
     /// Each name is GROUP or GROUP/KEY. Without any, every key is selected.
     explicit Selection(const std::vector<std::string>& names);
+    Selection(const Selection&) = delete;  // a part of it points into another
+    Selection& operator=(const Selection&) = delete;
+    ~Selection() = default;
 
     /// Returns whether the key is selected, and notes what has selected it.
     [[nodiscard]] bool takes(const std::string& group, const std::string& key);
@@ -23,23 +28,36 @@ public:
     [[nodiscard]] std::vector<std::string> missing() const;
 
 private:
+    // A name that was typed; several can say the same.
     struct Item {
-        std::string name;  // as it was typed
-        std::string group;
-        std::string key;
-        bool isGroup;  // all its keys
-        bool isFound = false;
+        std::string name;
+        const bool* isFound;
     };
-    std::vector<Item> items_;
+    struct Group {
+        bool isWhole = false;  // selected with all its keys
+        bool isFound = false;
+        std::unordered_map<std::string, bool> keys;  // those selected, and whether they were found
+    };
+    std::unordered_map<std::string, Group> groups_;
+    std::vector<Item> items_;  // in the order of the command line; they point into `groups_`
 };
 
 /// Whether texts are shown with their templates, as they were written.
 enum class Texts { Expanded, AsWritten };
 
-/// One key with the texts of its values, as many as it has origins.
+/// One value: its text, or the reason why it has none.
+struct ShownValue {
+    const ValueOrigin* origin;
+    std::string_view text = {};
+    std::string_view problem = {};  ///< empty: none
+
+    [[nodiscard]] bool hasFailed() const { return !problem.empty(); }
+};
+
+/// One key with all its values. The texts are valid until the next key is visited.
 struct ShownKey {
     const StoredKey& stored;
-    const std::vector<std::string>& texts;
+    const std::vector<ShownValue>& values;  ///< the last one is current
 };
 
 /// The configuration that a load left, key by key.
@@ -51,14 +69,14 @@ public:
 
     /// Is called for a key; returns whether to go on.
     using Show = std::function<bool(const ShownKey& key)>;
-    /// Is called for a key of which a value cannot be resolved, with the reason.
-    using Fail = std::function<void(const StoredKey& key, std::string_view problem)>;
 
-    /// Calls `show` or `fail` for each selected key, in the order of the first value of each.
-    void visit(const Show& show, const Fail& fail) const;
+    /// Calls `show` for each selected key, in the order of the first value of each.
+    void visit(const Show& show) const;
 
 private:
-    std::string_view findTexts(const StoredKey& key, std::vector<std::string>& texts) const;
+    using Filled = std::deque<std::string>;  // its texts stay where they are when it grows
+
+    ShownValue valueAt(const StoredKey& key, std::size_t index, Filled& filled) const;
 
     ConfigParser& parser_;
     const StoredValues& stored_;

@@ -1,5 +1,6 @@
 #include "config/json.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "config/display.h"
@@ -26,6 +27,11 @@ std::string base64(std::string_view bytes) {
     return text;
 }
 
+// What stands for itself between quotes, as most texts do.
+bool isPlain(char character) {
+    return character >= ' ' && character < '\x7f' && character != '"' && character != '\\';
+}
+
 }  // namespace
 
 void setText(Json& object, const std::string& name, std::string_view text) {
@@ -33,6 +39,17 @@ void setText(Json& object, const std::string& name, std::string_view text) {
     if (findInvalidUtf8(text) != text.npos) {
         object[name + kBytesSuffix] = base64(text);
     }
+}
+
+void appendText(std::string& line, std::string_view name, std::string_view text) {
+    if (std::all_of(text.begin(), text.end(), isPlain)) {
+        line.append(1, '"').append(name).append("\":\"").append(text).append(1, '"');
+        return;
+    }
+    Json object;
+    setText(object, std::string(name), text);
+    const std::string members = printed(object);
+    line.append(members, 1, members.size() - 2);  // without the braces
 }
 
 std::string printed(const Json& value) {

@@ -16,6 +16,10 @@ constexpr const char* kBytesSuffix = "Base64";
 /// `object[name + kBytesSuffix]` has its bytes.
 void setText(Json& object, const std::string& name, std::string_view text);
 
+/// Appends the members that `setText` sets as `printed` prints them, without an object around: for
+/// rows of which there are too many to build each as an object.
+void appendText(std::string& line, std::string_view name, std::string_view text);
+
 /// Returns the value on one line, in ASCII.
 [[nodiscard]] std::string printed(const Json& value);
 

@@ -44,7 +44,7 @@ void checkOptions(const Options& options) {
 bool reportMissing(const Selection& selection, const Options& options) {
     const std::vector<std::string> missing = selection.missing();
     for (const std::string& name : missing) {
-        std::cerr << "tarnwick-config: " << escaped(name) << ": no file sets it\n";
+        std::cerr << "tarnwick-config: " << escaped(name) << ": it has no value\n";
     }
     return !missing.empty() && missing.size() == options.names.size();
 }

@@ -5,17 +5,28 @@
 #include <iostream>
 #include <unordered_map>
 
+#include "active_user.h"
 #include "config/display.h"
 #include "config/ini_text.h"
 #include "config/json.h"
+#include "template_text.h"
+#include "vocabulary.h"
 
 namespace Tarnwick::Parser::ConfigTool {
 namespace {
 
-void report(const StoredKey& key, const char* between, std::string_view problem) {
+void report(const std::string& text) {
     std::cout.flush();  // so that both streams stay in order on a terminal
-    std::cerr << "tarnwick-config: " << escaped(key.group) << '/' << escaped(key.key) << between
-              << problem << '\n';
+    std::cerr << "tarnwick-config: " << text << '\n';
+}
+
+std::string nameOf(const StoredKey& key) {
+    return escaped(key.group) + '/' + escaped(key.key);
+}
+
+void reportFailed(const StoredKey& key, const ShownValue& value) {
+    report(escaped(value.origin->file) + ':' + std::to_string(value.origin->line) + ": " +
+           nameOf(key) + ": " + std::string(value.problem));
 }
 
 // --- One value a line ---
@@ -34,36 +45,35 @@ void appendBytes(std::string& line, std::string_view text) {
     line += text;
 }
 
-void printLines(const ShownKey& key, const LineOptions& options) {
+void printLine(const StoredKey& key, const ShownValue& value, const LineOptions& options) {
     const auto append = options.endsInNul ? appendBytes : appendEscaped;
-    std::string lines;
-    for (std::size_t index = 0; index < key.texts.size(); ++index) {
-        if (options.hasOrigin) {
-            const ValueOrigin& origin = key.stored.origins[index];
-            append(lines, origin.file);
-            lines += ':' + std::to_string(origin.line) + '\t';
-        }
-        append(lines, key.stored.group);
-        lines += '/';
-        append(lines, key.stored.key);
-        lines += '=';
-        append(lines, key.texts[index]);
-        lines += options.endsInNul ? '\0' : '\n';
+    std::string line;
+    if (options.hasOrigin) {
+        append(line, value.origin->file);
+        line += ':' + std::to_string(value.origin->line) + '\t';
     }
-    std::cout << lines;
+    append(line, key.group);
+    line += '/';
+    append(line, key.key);
+    line += '=';
+    append(line, value.text);
+    line += options.endsInNul ? '\0' : '\n';
+    std::cout << line;
 }
 
 ExitStatus showLines(const Effective& effective, const LineOptions& options) {
     ExitStatus status = ExitSuccess;
-    effective.visit(
-        [&](const ShownKey& key) {
-            printLines(key, options);
-            return std::cout.good();
-        },
-        [&](const StoredKey& key, std::string_view problem) {
-            report(key, ": ", problem);
-            status = ExitFailure;
-        });
+    effective.visit([&](const ShownKey& key) {
+        for (const ShownValue& value : key.values) {
+            if (value.hasFailed()) {
+                reportFailed(key.stored, value);
+                status = ExitFailure;
+            } else {
+                printLine(key.stored, value, options);
+            }
+        }
+        return std::cout.good();
+    });
     return status;
 }
 
@@ -78,8 +88,8 @@ public:
             texts_.push_back(key.stored.group.empty() ? "" : '[' + key.stored.group + "]\n");
         }
         std::string& text = texts_[entry->second];
-        for (const std::string& value : key.texts) {
-            text += key.stored.key + '=' + iniText(value) + '\n';
+        for (const ShownValue& value : key.values) {
+            text += key.stored.key + '=' + iniText(value.text) + '\n';
         }
     }
 
@@ -101,27 +111,55 @@ private:
     std::vector<std::string> texts_;  // in the order of the groups
 };
 
+// The keys that tell whose configuration it is.
+bool isReadFirst(const StoredKey& key) {
+    const auto keys = Tool::generatedUserKeys();
+    return key.group == kGroupGeneratedConfig &&
+           std::any_of(keys.begin(), keys.end(),
+                       [&](const std::string* each) { return *each == key.key; });
+}
+
+bool holdsTemplate(const ShownValue& value) {
+    TemplateCursor cursor(value.origin->raw);
+    TemplateToken token;
+    while (cursor.next(token)) {
+        if (token.kind != TemplateToken::Kind::Literal) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Returns why no lines load as these values, or an empty text.
+std::string_view problemOf(const ShownKey& key) {
+    if (isReadFirst(key.stored) &&
+        std::any_of(key.values.begin(), key.values.end(), holdsTemplate)) {
+        // A text in its place would count there where the template did not.
+        return "it is read before variables and references are known";
+    }
+    for (const ShownValue& value : key.values) {
+        const std::string_view problem = value.hasFailed() ? value.problem : iniProblem(value.text);
+        if (!problem.empty()) {
+            return problem;
+        }
+    }
+    return {};
+}
+
 // Nothing is printed of what would not load back whole.
 ExitStatus showIni(const Effective& effective, const LineOptions&) {
     IniFile file;
     ExitStatus status = ExitSuccess;
-    const auto refuse = [&](const StoredKey& key, std::string_view problem) {
-        report(key, " cannot be written: ", problem);
-        status = ExitFailure;
-    };
-    effective.visit(
-        [&](const ShownKey& key) {
-            for (const std::string& text : key.texts) {
-                const std::string_view problem = iniProblem(text);
-                if (!problem.empty()) {
-                    refuse(key.stored, problem);
-                    return true;
-                }
-            }
+    effective.visit([&](const ShownKey& key) {
+        const std::string_view problem = problemOf(key);
+        if (problem.empty()) {
             file.add(key);
-            return true;
-        },
-        refuse);
+        } else {
+            report(nameOf(key.stored) + " cannot be written: " + std::string(problem));
+            status = ExitFailure;
+        }
+        return true;
+    });
     if (status == ExitSuccess) {
         file.print();
     }
@@ -130,36 +168,75 @@ ExitStatus showIni(const Effective& effective, const LineOptions&) {
 
 // --- JSON ---
 
-Json jsonOf(const ShownKey& key) {
-    Json object;
-    setText(object, "group", key.stored.group);
-    setText(object, "key", key.stored.key);
-    setText(object, "value", key.texts.back());
-    Json& values = object["values"] = Json::array();
-    for (std::size_t index = 0; index < key.texts.size(); ++index) {
-        Json& value = values.emplace_back();
-        setText(value, "value", key.texts[index]);
-        setText(value, "raw", key.stored.origins[index].raw);
-        setText(value, "file", key.stored.origins[index].file);
-        value["line"] = key.stored.origins[index].line;
+/// Prints keys as rows of a list. Members go straight to the stream: a key can have as many values
+/// as memory holds.
+class JsonRows {
+public:
+    // A key of which no value is left has no row.
+    void print(const ShownKey& key) {
+        const auto isGood = [](const ShownValue& value) { return !value.hasFailed(); };
+        if (std::none_of(key.values.begin(), key.values.end(), isGood)) {
+            return;
+        }
+        line_ = hasRow_ ? ",\n{" : "\n{";
+        hasRow_ = true;
+        appendText(line_, "group", key.stored.group);
+        line_ += ',';
+        appendText(line_, "key", key.stored.key);
+        line_ += ',';
+        appendCurrent(key.values.back());
+        line_ += ",\"values\":[";
+        const char* between = "{";
+        for (const ShownValue& value : key.values) {
+            if (isGood(value)) {
+                line_ += between;
+                printValue(value);
+                between = ",{";
+            }
+        }
+        std::cout << "]}";
     }
-    return object;
-}
+
+private:
+    void appendCurrent(const ShownValue& value) {
+        if (value.hasFailed()) {
+            line_ += "\"value\":null";
+        } else {
+            appendText(line_, "value", value.text);
+        }
+    }
+
+    void printValue(const ShownValue& value) {
+        appendText(line_, "value", value.text);
+        line_ += ',';
+        appendText(line_, "raw", value.origin->raw);
+        line_ += ',';
+        appendText(line_, "file", value.origin->file);
+        line_ += ",\"line\":";
+        line_ += std::to_string(value.origin->line);
+        line_ += '}';
+        std::cout << line_;
+        line_.clear();
+    }
+
+    std::string line_;  // what has not been printed yet
+    bool hasRow_ = false;
+};
 
 ExitStatus showJson(const Effective& effective, const LineOptions&) {
     ExitStatus status = ExitSuccess;
-    bool isFirst = true;
+    JsonRows rows;
     std::cout << "{\"keys\":[";
-    effective.visit(
-        [&](const ShownKey& key) {
-            std::cout << (isFirst ? "\n" : ",\n") << printed(jsonOf(key));
-            isFirst = false;
-            return std::cout.good();
-        },
-        [&](const StoredKey& key, std::string_view problem) {
-            report(key, ": ", problem);
-            status = ExitFailure;
-        });
+    effective.visit([&](const ShownKey& key) {
+        for (const ShownValue& value : key.values) {
+            if (value.hasFailed()) {
+                reportFailed(key.stored, value);
+                status = ExitFailure;
+            }
+        }
+        rows.print(key);
+        return std::cout.good();
+    });
     std::cout << "\n]}\n";
     return status;
 }

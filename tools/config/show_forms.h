@@ -17,8 +17,8 @@ struct LineOptions {
 /// A form of the effective configuration.
 struct ShowForm {
     std::string_view name;
-    /// Prints it on the standard output. Keys at fault are named on the error stream, and make the
-    /// result `ExitFailure`.
+    /// Prints it on the standard output. What is at fault is named on the error stream, and makes
+    /// the result `ExitFailure`.
     ExitStatus (*show)(const Effective& effective, const LineOptions& options);
 };
 

@@ -20,18 +20,15 @@ protected:
         Selection selection(names);
         Names seen;
         const auto name = [](const StoredKey& key) { return key.group + '/' + key.key; };
-        Effective(parser_, stored_, selection, kind)
-            .visit(
-                [&](const ShownKey& key) {
-                    for (std::size_t index = 0; index < key.texts.size(); ++index) {
-                        seen.push_back(name(key.stored) + '=' + key.texts[index] + ':' +
-                                       std::to_string(key.stored.origins[index].line));
-                    }
-                    return true;
-                },
-                [&](const StoredKey& key, std::string_view) {
-                    seen.push_back(name(key) + " fails");
-                });
+        Effective(parser_, stored_, selection, kind).visit([&](const ShownKey& key) {
+            for (const ShownValue& value : key.values) {
+                seen.push_back(value.hasFailed()
+                                   ? name(key.stored) + " fails"
+                                   : name(key.stored) + '=' + std::string(value.text) + ':' +
+                                         std::to_string(value.origin->line));
+            }
+            return true;
+        });
         missing_ = selection.missing();
         return seen;
     }
@@ -69,6 +66,12 @@ TEST_F(EffectiveValues, FailForACircleWithOrWithoutAnotherText) {
     EXPECT_EQ(seen(), (Names{"A/K fails", "A/L fails", "A/M fails", "A/N=n:5"}));
 }
 
+TEST_F(EffectiveValues, FailOneByOne) {
+    load("[A]\nK=${config:A/L};cur\nL=${config:A/L}\nM=1;${config:A/L};x${config:A/K}\n");
+    EXPECT_EQ(seen(),
+              (Names{"A/K fails", "A/K=cur:2", "A/L fails", "A/M=1:4", "A/M fails", "A/M=xcur:4"}));
+}
+
 TEST_F(EffectiveValues, FailForAReferencePastTheEndOfItsText) {
     load("[A]\nK=x ${config:A/L}\nL=1\nM=${config:A/K}\n");
     EXPECT_EQ(seen(), (Names{"A/K fails", "A/L=1:3", "A/M fails"}));
@@ -83,6 +86,8 @@ TEST_F(EffectiveValues, AreSelectedByGroupAndByKey) {
     EXPECT_EQ(missing_, Names{});
     EXPECT_EQ(seen({"C", "A/K", "A/M", "A/"}), (Names{"A/K=1:3"}));
     EXPECT_EQ(missing_, (Names{"C", "A/M", "A/"}));
+    EXPECT_EQ(seen({"A/N", "A/K", "A", "D", "A/K", "A/N"}), (Names{"A/K=1:3", "A/L=2:4"}));
+    EXPECT_EQ(missing_, (Names{"A/N", "D", "A/N"}));
 }
 
 TEST_F(EffectiveValues, NameTheFileOfEachValue) {

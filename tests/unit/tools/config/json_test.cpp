@@ -27,6 +27,22 @@ TEST(Json, PutsTheBytesBesideATextThatIsNoUtf8) {
     EXPECT_EQ(printedText("abc\xfb\xef"), R"({"t":"abc\ufffd\ufffd","tBase64":"YWJj++8="})");
 }
 
+TEST(Json, AppendsTheMembersThatAnObjectWouldHave) {
+    std::string all;
+    for (int byte = 0; byte <= 0xff; ++byte) {
+        const std::string text = "a" + std::string(1, static_cast<char>(byte)) + "b";
+        all += text;
+        std::string line;
+        appendText(line, "t", text);
+        EXPECT_EQ('{' + line + '}', printedText(text)) << byte;
+    }
+    for (const std::string& text : {std::string(), all, std::string("\u00e9\U0001f600")}) {
+        std::string line;
+        appendText(line, "t", text);
+        EXPECT_EQ('{' + line + '}', printedText(text));
+    }
+}
+
 TEST(Json, KeepsTheOrderOfMembers) {
     Json object;
     setText(object, "z", "1");
