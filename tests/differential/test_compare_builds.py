@@ -11,6 +11,7 @@ import pytest
 
 from build_cases import make_case
 from build_comparing import EXCEPTION_TEXT, Answer, Bench, Surroundings, difference
+from request_messages import REQUEST_MESSAGES
 from shrink import shrink
 from support.tool import EMULATOR, TOOL
 
@@ -21,31 +22,8 @@ CASES = 100
 SAMPLE = 400
 
 MESSAGES = [
-    b"Unexpected line in ",
-    b"Could not parse line as group in ",
-    b"Group name contains invalid characters in ",
-    b"Could not parse line as key in ",
-    b"Key contains invalid characters in ",
-    b"Failed to load config from '",
-    b"Invalid configuration in ",
-    b"No configuration to read in ",
-    b"Invalid template substitution, missing '}': ",
-    b"'$' must be followed by '{' or '$': ",
-    b"No such template '",
-    b"Invalid template '",
-    b"Invalid format '",
-    b"Invalid envfile definition '",
-    b"Max depth reached, possibly circular reference.",
-    b" has not been added to the parser",
-    b" exited with non-zero status: ",
-    b"Failed to get user information for uid ",
+    *REQUEST_MESSAGES,
     b"Failed to get seat0 user: ",
-    b"from environment variables for template",
-    b"from environment file",
-    b"path for template",
-    b"from properties for template",
-    b"from dconf for template",
-    b"from system for template",
     b"Unsupported GVariant type '",
     b"CRITICAL: Cannot get '",
     b"Invalid logging level '",

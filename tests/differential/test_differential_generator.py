@@ -11,37 +11,11 @@ import pytest
 import naive_tool
 from comparing import agrees, difference, expected_answer, is_critical_record, write_case
 from generator import make_case
+from request_messages import REQUEST_MESSAGES
 from shrink import shrink
 from types import SimpleNamespace
 
 SAMPLE = 1000
-
-OUTCOMES = [
-    b"Unexpected line in ",
-    b"Could not parse line as group in ",
-    b"Group name contains invalid characters in ",
-    b"Could not parse line as key in ",
-    b"Key contains invalid characters in ",
-    b"Failed to load config from '",
-    b"Invalid configuration in ",
-    b"No configuration to read in ",
-    b"Invalid template substitution, missing '}': ",
-    b"'$' must be followed by '{' or '$': ",
-    b"No such template '",
-    b"Invalid template '",
-    b"Invalid format '",
-    b"Invalid envfile definition '",
-    b"Max depth reached, possibly circular reference.",
-    b" has not been added to the parser",
-    b" exited with non-zero status: ",
-    b"Failed to get user information for uid ",
-    b"from environment variables for template",
-    b"from environment file",
-    b"path for template",
-    b"from dconf for template",
-    b"from properties for template",
-    b"from system for template",
-]
 
 
 @pytest.fixture(scope="module")
@@ -57,7 +31,7 @@ def sample():
         yield cases
 
 
-@pytest.mark.parametrize("message", OUTCOMES)
+@pytest.mark.parametrize("message", REQUEST_MESSAGES)
 def test_every_message_is_provoked(sample, message):
     assert any(message in answer.stderr for _, _, answer in sample)
 

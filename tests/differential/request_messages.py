@@ -1,0 +1,28 @@
+"""What the tool says about files, templates, references and users: a part of each record."""
+
+REQUEST_MESSAGES = [
+    b"Unexpected line in ",
+    b"Could not parse line as group in ",
+    b"Group name contains invalid characters in ",
+    b"Could not parse line as key in ",
+    b"Key contains invalid characters in ",
+    b"Failed to load config from '",
+    b"Invalid configuration in ",
+    b"No configuration to read in ",
+    b"Invalid template substitution, missing '}': ",
+    b"'$' must be followed by '{' or '$': ",
+    b"No such template '",
+    b"Invalid template '",
+    b"Invalid format '",
+    b"Invalid envfile definition '",
+    b"Max depth reached, possibly circular reference.",
+    b" has not been added to the parser",
+    b" exited with non-zero status: ",
+    b"Failed to get user information for uid ",
+    b"from environment variables for template",
+    b"from environment file",
+    b"path for template",
+    b"from dconf for template",
+    b"from properties for template",
+    b"from system for template",
+]
