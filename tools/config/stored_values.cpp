@@ -41,7 +41,7 @@ void StoredValues::add(const LoadEvent& event) {
 }
 
 StoredValues::Text StoredValues::keep(std::string_view text) {
-    const std::uint64_t start = texts_.size();
+    const std::size_t start = texts_.size();
     texts_ += text;
     return {start, text.size()};
 }

@@ -59,8 +59,8 @@ private:
 
     /// A part of `texts_`.
     struct Text {
-        std::uint64_t start = 0;
-        std::uint64_t length = 0;
+        std::size_t start = 0;
+        std::size_t length = 0;
     };
 
     struct Value {

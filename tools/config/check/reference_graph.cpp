@@ -203,7 +203,8 @@ private:
     void tellShift(std::uint32_t value, const Shift& shift) {
         const bool isError = shift.severity == Severity::Error;
         Fault fault =
-            faultAt(RuleId::ReferenceShift, value, targetsOf(value).begin()[shift.reference],
+            faultAt(RuleId::ReferenceShift, value,
+                    targetsOf(value).begin()[static_cast<std::ptrdiff_t>(shift.reference)],
                     isError ? "then stands past its end" : "no longer stands where it was written");
         fault.severity = shift.severity;
         sink_(fault);
