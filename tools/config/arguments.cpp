@@ -42,24 +42,23 @@ void setLogLevel(Context& context, const std::string& text) {
     context.logLevel = text;
 }
 
-struct ColorRow {
-    const char* name;
-    Color color;
-};
-constexpr std::array kColors{
-    ColorRow{"auto", Color::Auto},
-    ColorRow{"always", Color::Always},
-    ColorRow{"never", Color::Never},
+/// What a name on the command line stands for.
+template <typename Meaning>
+struct Choice {
+    std::string_view name;
+    Meaning meaning;
 };
 
-void setColor(Context& context, const std::string& text) {
-    const auto row = std::find_if(kColors.begin(), kColors.end(),
-                                  [&](const ColorRow& each) { return text == each.name; });
-    if (row == kColors.end()) {
-        throw CLI::ValidationError("--color: '" + text + "' is not auto, always or never");
-    }
-    context.color = row->color;
-}
+constexpr std::array<Choice<Color>, 3> kColors{{
+    {"auto", Color::Auto},
+    {"always", Color::Always},
+    {"never", Color::Never},
+}};
+
+constexpr std::array<Choice<bool>, 2> kTextOrJson{{
+    {"text", false},
+    {"json", true},
+}};
 
 const CLI::Option* findOption(const CLI::App& app, const std::string& name) {
     if (const CLI::Option* option = app.get_option_no_throw(name)) {
@@ -137,6 +136,15 @@ void addOption(CLI::App& app, const std::string& name, const char* type, const c
         ->allow_extra_args(false);
 }
 
+void refuseChoice(const std::string& name, const std::string& text, const std::string& choices) {
+    throw CLI::ValidationError(name + ": '" + text + "' is not " + choices);
+}
+
+void addTextOrJson(CLI::App& app, bool& isJson) {
+    addChoice<Choice<bool>>(app, "--format", "FORM", "text or json", kTextOrJson,
+                            [&](const Choice<bool>& row) { isJson = row.meaning; });
+}
+
 void addContextOptions(CLI::App& app, Context& context) {
     context.instance = kDefaultInstance;
     addOption(app, "--config", "DIR", "Read this directory (default: /etc/tarnwick.conf.d)",
@@ -153,8 +161,8 @@ void addContextOptions(CLI::App& app, Context& context) {
               [&](const std::string& text) { context.instance = text; });
     addOption(app, "--log-level", "LEVEL", "The level of log records (default: warning)",
               [&](const std::string& text) { setLogLevel(context, text); });
-    addOption(app, "--color", "WHEN", "auto, always or never",
-              [&](const std::string& text) { setColor(context, text); });
+    addChoice<Choice<Color>>(app, "--color", "WHEN", "auto, always or never", kColors,
+                             [&](const Choice<Color>& row) { context.color = row.meaning; });
 }
 
 CLI::Option* addOperands(CLI::App& app, const char* name, std::vector<std::string>& operands,

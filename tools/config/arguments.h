@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +22,28 @@ void addContextOptions(CLI::App& app, Context& context);
 /// Declares an option with one value, which is applied where it stands.
 void addOption(CLI::App& app, const std::string& name, const char* type, const char* help,
                const std::function<void(const std::string& text)>& apply);
+
+/// Throws `CLI::ValidationError`: the value of the option `name` is none of `choices`.
+[[noreturn]] void refuseChoice(const std::string& name, const std::string& text,
+                               const std::string& choices);
+
+/// Declares an option whose value is the name of a row of a table, which is applied where it
+/// stands. `choices` tells people the names, as in "text or json".
+template <typename Row>
+void addChoice(CLI::App& app, const std::string& name, const char* type, const char* choices,
+               std::span<const Row> table, const std::function<void(const Row& row)>& apply) {
+    addOption(app, name, type, choices, [=](const std::string& text) {
+        const auto row = std::find_if(table.begin(), table.end(),
+                                      [&](const Row& each) { return each.name == text; });
+        if (row == table.end()) {
+            refuseChoice(name, text, choices);
+        }
+        apply(*row);
+    });
+}
+
+/// Declares --format, with the forms that most commands have.
+void addTextOrJson(CLI::App& app, bool& isJson);
 
 /// Declares the operands of a command, such as PATH. Their texts come out as they were typed.
 CLI::Option* addOperands(CLI::App& app, const char* name, std::vector<std::string>& operands,

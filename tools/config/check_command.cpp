@@ -238,9 +238,7 @@ private:
         }
         isStopped_ = true;
         isUnavailable_ = true;
-        if (errno != EPIPE) {  // a reader that has seen enough
-            std::cerr << "tarnwick-config: cannot write to the standard output\n";
-        }
+        complainOfOutput();
     }
 
     void complain(const std::string& path, const std::string& problem) {
@@ -289,16 +287,6 @@ ExitStatus listIds() {
 
 // --- Options ---
 
-void setFormat(Options& options, const std::string& name) {
-    for (const ReportFormat& format : reportFormats()) {
-        if (format.name == name) {
-            options.format = &format;
-            return;
-        }
-    }
-    throw CLI::ValidationError("--format: '" + name + "' is not text, json or gcc");
-}
-
 void ignore(Options& options, const std::string& list) {
     for (const std::string& name : splitString(list, ',', kNoSplitLimit, SkipEmpty)) {
         const Rule* rule = findRule(name);
@@ -327,8 +315,8 @@ void know(Options& options, const std::string& name) {
 Run addCheck(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     addOperands(app, "PATH", options->paths, "A directory, a file, or - for the standard input");
-    addOption(app, "--format", "FORM", "text, json or gcc",
-              [options](const std::string& text) { setFormat(*options, text); });
+    addChoice<ReportFormat>(app, "--format", "FORM", "text, json or gcc", reportFormats(),
+                            [options](const ReportFormat& row) { options->format = &row; });
     addOption(app, "--ignore", "ID[,ID]", "Leave these kinds of fault out",
               [options](const std::string& text) { ignore(*options, text); });
     addOption(app, "--known", "GROUP[/KEY]", "A name that a reader of your own knows",

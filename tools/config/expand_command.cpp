@@ -13,6 +13,7 @@
 #include "config/explain/reasons.h"
 #include "config/explain/reference_trace.h"
 #include "config/loading.h"
+#include "config/output.h"
 
 namespace Tarnwick::Parser::ConfigTool {
 namespace {
@@ -57,8 +58,8 @@ ExitStatus fail(const std::string& problem) {
 }
 
 ExitStatus print(const std::string& text) {
-    std::cout << escaped(text) << '\n' << std::flush;
-    return std::cout.good() ? ExitSuccess : fail("cannot write to the standard output");
+    std::cout << escaped(text) << '\n';
+    return finishOutput() ? ExitSuccess : ExitFailure;
 }
 
 // The reference of the text itself whose chain fails, if there is one.

@@ -187,20 +187,12 @@ ExitStatus list(const Options& options, const Context& context) {
     return finishOutput() ? status : ExitUnavailable;
 }
 
-void setFormat(Options& options, const std::string& name) {
-    if (name != "text" && name != "json") {
-        throw CLI::ValidationError("--format: '" + name + "' is not text or json");
-    }
-    options.isJson = name == "json";
-}
-
 }  // namespace
 
 Run addFiles(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     addOperands(app, "PATH", options->paths, "A directory or a file");
-    addOption(app, "--format", "FORM", "text or json",
-              [options](const std::string& text) { setFormat(*options, text); });
+    addTextOrJson(app, options->isJson);
     app.add_flag("-z", options->endsInNul, "Only files that are read, each ended by NUL");
     app.add_flag("--names", options->listsNames, "The keys that they set instead, as GROUP/KEY");
     return [options](const Context& context) { return list(*options, context); };

@@ -222,16 +222,6 @@ std::span<const Format> formats() {
     return kFormats;
 }
 
-void setFormat(Options& options, const std::string& name) {
-    for (const Format& format : formats()) {
-        if (format.name == name) {
-            options.format = &format;
-            return;
-        }
-    }
-    throw CLI::ValidationError("--format: '" + name + "' is not text, shell or json");
-}
-
 void checkOptions(const Options& options) {
     if (options.endsInNul && options.format->print != printText) {
         throw CLI::ValidationError("-z goes with --format=text alone");
@@ -273,8 +263,8 @@ ExitStatus get(const Options& options, const Context& context) {
 Run addGet(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     addOperands(app, "KEY", options->keys, "GROUP/KEY, or KEY of the group Config")->required();
-    addOption(app, "--format", "FORM", "text, shell or json",
-              [options](const std::string& text) { setFormat(*options, text); });
+    addChoice<Format>(app, "--format", "FORM", "text, shell or json", formats(),
+                      [options](const Format& row) { options->format = &row; });
     addOption(app, "--prefix", "TEXT", "What the names of shell variables begin with",
               [options](const std::string& text) { options->prefix = text; });
     addOption(app, "--default", "TEXT", "The answer for a key without a value",

@@ -23,16 +23,6 @@ struct Options {
     bool isRaw = false;
 };
 
-void setForm(Options& options, const std::string& name) {
-    for (const ShowForm& form : showForms()) {
-        if (form.name == name) {
-            options.form = &form;
-            return;
-        }
-    }
-    throw CLI::ValidationError("--format: '" + name + "' is not text, ini or json");
-}
-
 void checkOptions(const Options& options) {
     const bool hasLineOption = options.lines.hasOrigin || options.lines.endsInNul || options.isRaw;
     if (hasLineOption && options.form != &showForms().front()) {
@@ -71,8 +61,8 @@ ExitStatus show(const Options& options, const Context& context) {
 Run addShow(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     addOperands(app, "GROUP[/KEY]", options->names, "A group, or a key (default: all)");
-    addOption(app, "--format", "FORM", "text, ini or json",
-              [options](const std::string& text) { setForm(*options, text); });
+    addChoice<ShowForm>(app, "--format", "FORM", "text, ini or json", showForms(),
+                        [options](const ShowForm& row) { options->form = &row; });
     app.add_flag("--origin", options->lines.hasOrigin, "Put file and line in front of each value");
     app.add_flag("--raw", options->isRaw, "Show values as they were written");
     app.add_flag("-z", options->lines.endsInNul, "End each value with NUL and print raw bytes");

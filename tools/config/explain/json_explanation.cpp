@@ -137,7 +137,7 @@ void printJson(const Explanation& explanation) {
         std::cout << (isFirst ? "\n" : ",\n") << printed(asJson(assignment));
         isFirst = false;
     }
-    std::cout << (isFirst ? "" : "\n") << "]}\n" << std::flush;
+    std::cout << (isFirst ? "" : "\n") << "]}\n";
 }
 
 }  // namespace Tarnwick::Parser::ConfigTool

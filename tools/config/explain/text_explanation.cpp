@@ -77,7 +77,6 @@ public:
         printAssignments();
         printUser();
         printNear();
-        std::cout.flush();
     }
 
 private:
