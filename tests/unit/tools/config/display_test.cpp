@@ -12,6 +12,10 @@ struct ShownRow {
     std::size_t width;
 };
 
+void PrintTo(const ShownRow& row, std::ostream* out) {
+    *out << row.name;
+}
+
 const ShownRow kRows[] = {
     {"Nothing", "", "", 0},
     {"Ascii", "a ~", "a ~", 3},
