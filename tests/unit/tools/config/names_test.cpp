@@ -42,6 +42,7 @@ TEST(Names, SuggestTheFirstByByteOfTwoThatAreEquallyNear) {
 
 TEST(Names, SuggestTheOneOfOtherLetterCaseBeforeAnEdit) {
     EXPECT_EQ(suggestion("arch", {"arc", "Arch"}), "; did you mean 'Arch'?");
+    EXPECT_EQ(suggestion("aazz", {"aaz", "AAZZ"}), "; did you mean 'AAZZ'?");
 }
 
 TEST(Names, AreThoseOfTheVocabularyAndOnesOwn) {
