@@ -112,6 +112,58 @@ def test_every_option_of_the_usage_text_is_a_heading_of_the_options_section():
     assert sorted(headings) == sorted(usage_options())
 
 
+def help_of(*command):
+    return run_config(*command, "--help").stdout.decode()
+
+
+def options_in(help_text):
+    return re.findall(r"^  (--?[a-z-]+)", help_text, flags=re.MULTILINE)
+
+
+def commands_of_tarnwick_config():
+    names = re.findall(r"^  ([a-z]+) ", help_of(), flags=re.MULTILINE)
+    assert "check" in names
+    return names
+
+
+def section_of(page, title):
+    """The text below a title, up to the next one; empty when there is no such title."""
+    found = re.search(rf"^# {title}\n(.*?)(?=^# )", page, flags=re.MULTILINE | re.DOTALL)
+    return found[1] if found else ""
+
+
+def headings_in(section):
+    return re.findall(r"^\*([a-z-]+)\*(?: _.*)?$", section, flags=re.MULTILINE)
+
+
+def test_every_command_of_tarnwick_config_is_in_its_manual_and_in_the_readme():
+    page = (ROOT / "man" / "tarnwick-config.1.scd").read_text()
+    readme = (ROOT / "README.md").read_text()
+    commands = commands_of_tarnwick_config()
+    synopsis = section_of(page, "SYNOPSIS")
+    assert re.findall(r"^\*tarnwick-config\* \[_context_\] \*(\w+)\*", synopsis, flags=re.MULTILINE) == commands
+    assert headings_in(section_of(page, "DESCRIPTION")) == commands
+    assert [name for name in commands if f"`tarnwick-config {name}" not in readme] == []
+
+
+def test_every_option_of_a_command_is_a_heading_of_its_section():
+    page = (ROOT / "man" / "tarnwick-config.1.scd").read_text()
+    assert sorted(headings_in(section_of(page, "CONTEXT"))) == sorted(options_in(help_of()))
+    for command in commands_of_tarnwick_config():
+        section = section_of(page, f"OPTIONS OF {command.upper()}")
+        assert sorted(headings_in(section)) == sorted(set(options_in(help_of(command))) - {"--help"}), command
+
+
+def test_every_source_that_explain_names_is_in_its_manual():
+    source = (ROOT / "tools" / "config" / "explain" / "user_story.cpp").read_text()
+    [rows] = re.findall(r"kSources\{(.*?)\}", source, flags=re.DOTALL)
+    section = section_of((ROOT / "man" / "tarnwick-config.1.scd").read_text(), "EXPLANATIONS")
+    shown = [line.split(",")[0] for line in section.splitlines()]
+    names = re.findall(r'"(.*?)"', rows)
+    assert "environment" in names
+    assert [name for name in names if name not in shown] == []
+
+
 def test_every_kind_of_fault_is_a_heading_with_its_severity_and_meaning():
     page = (ROOT / "man" / "tarnwick-config.1.scd").read_text()
     listed = run_config("check", "--list-ids").stdout.decode().splitlines()
