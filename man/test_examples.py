@@ -1,5 +1,6 @@
 """Runs every example of the manual and the documents, and holds the pages against the code."""
 
+import itertools
 import os
 import pathlib
 import re
@@ -9,7 +10,7 @@ import subprocess
 import pytest
 from support.tool import EMULATOR, run_config, run_tool, tool_command
 
-from text_examples import IDIOM_KINDS, blocks_of, examples_in, idioms_in, run_example, run_idiom
+from text_examples import FENCE, IDIOM_KINDS, blocks_of, examples_in, idioms_in, literal_text, run_example, run_idiom
 
 ROOT = pathlib.Path(__file__).parent.parent
 PAGES = sorted((ROOT / "man").glob("*.scd"))
@@ -90,6 +91,33 @@ def test_the_documents_have_idioms():
         "tarnwick-config.1.scd",
         "tarnwick-parse-config.1.scd",
     }
+
+
+def text_before(path, block):
+    """What a reader sees between the block before and this one."""
+    lines = path.read_text().splitlines()[: block.line - 1]
+    between = itertools.takewhile(lambda line: line != FENCE, reversed(lines))
+    return [line for line in between if not re.match("; |<!-- ", line)]
+
+
+def test_a_reader_sees_the_name_of_every_file():
+    """The comments that name the files are for the tests: a rendered page does not show them."""
+    for path in [*PAGES, *DOCUMENTS]:
+        for block in files_of(path):
+            text = literal_text(path, text_before(path, block))
+            assert block.name in text, f"{path.name}:{block.line}: say that this is {block.name}"
+
+
+def test_a_document_that_shows_a_users_file_says_what_its_writer_can_do():
+    showing = [path for path in [*PAGES, *DOCUMENTS] if any("user" in block.name for block in files_of(path))]
+    assert len(showing) >= 4
+    for path in showing:
+        text = " ".join(path.read_text().split())
+        assert "can run commands with the rights of everybody who reads it" in text, path.name
+
+
+def files_of(path):
+    return [block for block in blocks_of(path) if block.kind in ("file", "program")]
 
 
 def page_text(name):
