@@ -1,5 +1,6 @@
 """Runs every example of the manual and the documents, and holds the pages against the code."""
 
+import itertools
 import os
 import pathlib
 import re
@@ -8,7 +9,8 @@ import subprocess
 
 import pytest
 from support.tool import EMULATOR, run_config, run_tool, tool_command
-from text_examples import blocks_of, examples_in, idioms_in, run_example, run_idiom
+
+from text_examples import FENCE, IDIOM_KINDS, blocks_of, examples_in, idioms_in, literal_text, run_example, run_idiom
 
 ROOT = pathlib.Path(__file__).parent.parent
 PAGES = sorted((ROOT / "man").glob("*.scd"))
@@ -42,6 +44,7 @@ def test_the_example_shows_what_happens(example, tmp_path):
 
 
 SHELLS = {
+    "dash": ["dash"],
     "dash -eu": ["dash", "-eu"],
     "bash -euo pipefail": ["bash", "-euo", "pipefail"],
     "bash": ["bash"],
@@ -74,20 +77,47 @@ def test_a_piece_of_a_script_goes_on_unless_the_tool_fails(idiom, shell, tmp_pat
     assert value.requests == no_value.requests == (2 if "loop" in idiom.name else 1)
 
 
-def test_no_transcript_takes_the_tool_s_output_without_its_status():
-    """In a transcript nothing shows whether `set -e` or a failure would be noticed."""
-    for path, example in EXAMPLES:
-        for block in example.blocks:
-            assert not re.search(
-                r"=\$\((tarnwick-parse-config|ask)\b", block.text
-            ), f"{path.name}:{block.line}: make it an idiom"
+def test_only_idioms_take_a_program_s_output_into_a_variable():
+    """Nothing else shows whether `set -e` or a failure would be noticed."""
+    for path in [*PAGES, *DOCUMENTS]:
+        for block in blocks_of(path):
+            takes_output = re.search(r"=\$\((tarnwick-parse-config|tarnwick-config|ask)\b", block.text)
+            assert block.kind in IDIOM_KINDS or not takes_output, f"{path.name}:{block.line}: make it an idiom"
 
 
 def test_the_documents_have_idioms():
     assert {path.name for path in [*PAGES, *DOCUMENTS] if idioms_in(path)} >= {
         "README.md",
+        "tarnwick-config.1.scd",
         "tarnwick-parse-config.1.scd",
     }
+
+
+def text_before(path, block):
+    """What a reader sees between the block before and this one."""
+    lines = path.read_text().splitlines()[: block.line - 1]
+    between = itertools.takewhile(lambda line: line != FENCE, reversed(lines))
+    return [line for line in between if not re.match("; |<!-- ", line)]
+
+
+def test_a_reader_sees_the_name_of_every_file():
+    """The comments that name the files are for the tests: a rendered page does not show them."""
+    for path in [*PAGES, *DOCUMENTS]:
+        for block in files_of(path):
+            text = literal_text(path, text_before(path, block))
+            assert block.name in text, f"{path.name}:{block.line}: say that this is {block.name}"
+
+
+def test_a_document_that_shows_a_users_file_says_what_its_writer_can_do():
+    showing = [path for path in [*PAGES, *DOCUMENTS] if any("user" in block.name for block in files_of(path))]
+    assert len(showing) >= 4
+    for path in showing:
+        text = " ".join(path.read_text().split())
+        assert "can run commands with the rights of everybody who reads it" in text, path.name
+
+
+def files_of(path):
+    return [block for block in blocks_of(path) if block.kind in ("file", "program")]
 
 
 def page_text(name):
@@ -110,6 +140,58 @@ def test_every_option_of_the_usage_text_is_a_heading_of_the_options_section():
     section = section[section.index("# OPTIONS") : section.index("# THE USER")]
     headings = re.findall(r"^\*(--[a-z-]+)\*", section, flags=re.MULTILINE)
     assert sorted(headings) == sorted(usage_options())
+
+
+def help_of(*command):
+    return run_config(*command, "--help").stdout.decode()
+
+
+def options_in(help_text):
+    return re.findall(r"^  (--?[a-z-]+)", help_text, flags=re.MULTILINE)
+
+
+def commands_of_tarnwick_config():
+    names = re.findall(r"^  ([a-z]+) ", help_of(), flags=re.MULTILINE)
+    assert "check" in names
+    return names
+
+
+def section_of(page, title):
+    """The text below a title, up to the next one; empty when there is no such title."""
+    found = re.search(rf"^# {title}\n(.*?)(?=^# )", page, flags=re.MULTILINE | re.DOTALL)
+    return found[1] if found else ""
+
+
+def headings_in(section):
+    return re.findall(r"^\*([a-z-]+)\*(?: _.*)?$", section, flags=re.MULTILINE)
+
+
+def test_every_command_of_tarnwick_config_is_in_its_manual_and_in_the_readme():
+    page = (ROOT / "man" / "tarnwick-config.1.scd").read_text()
+    readme = (ROOT / "README.md").read_text()
+    commands = commands_of_tarnwick_config()
+    synopsis = section_of(page, "SYNOPSIS")
+    assert re.findall(r"^\*tarnwick-config\* \[_context_\] \*(\w+)\*", synopsis, flags=re.MULTILINE) == commands
+    assert headings_in(section_of(page, "DESCRIPTION")) == commands
+    assert [name for name in commands if f"`tarnwick-config {name}" not in readme] == []
+
+
+def test_every_option_of_a_command_is_a_heading_of_its_section():
+    page = (ROOT / "man" / "tarnwick-config.1.scd").read_text()
+    assert sorted(headings_in(section_of(page, "CONTEXT"))) == sorted(options_in(help_of()))
+    for command in commands_of_tarnwick_config():
+        section = section_of(page, f"OPTIONS OF {command.upper()}")
+        assert sorted(headings_in(section)) == sorted(set(options_in(help_of(command))) - {"--help"}), command
+
+
+def test_every_source_that_explain_names_is_in_its_manual():
+    source = (ROOT / "tools" / "config" / "explain" / "user_story.cpp").read_text()
+    [rows] = re.findall(r"kSources\{(.*?)\}", source, flags=re.DOTALL)
+    section = section_of((ROOT / "man" / "tarnwick-config.1.scd").read_text(), "EXPLANATIONS")
+    shown = [line.split(",")[0] for line in section.splitlines()]
+    names = re.findall(r'"(.*?)"', rows)
+    assert "environment" in names
+    assert [name for name in names if name not in shown] == []
 
 
 def test_every_kind_of_fault_is_a_heading_with_its_severity_and_meaning():

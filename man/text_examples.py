@@ -24,8 +24,8 @@ from support.tool import CONFIG_TOOL, config_command
 
 FENCE = "```"
 DIRECTIVE = re.compile(r"(?:; |<!-- )(example|file|program|transcript|(?:bash )?idiom|shown)\b:?(?: (.*?))?(?: -->)?$")
-IDIOMS = {"idiom", "bash idiom"}
-NOT_IN_EXAMPLES = {"shown", *IDIOMS}
+IDIOM_KINDS = {"idiom", "bash idiom"}
+NOT_IN_EXAMPLES = {"shown", *IDIOM_KINDS}
 TIME_LIMIT_SECONDS = 120
 
 
@@ -88,7 +88,7 @@ def examples_in(path):
 
 def idioms_in(path):
     """The blocks of a document that are pieces of scripts."""
-    return [block for block in blocks_of(path) if block.kind in IDIOMS]
+    return [block for block in blocks_of(path) if block.kind in IDIOM_KINDS]
 
 
 # Prints what the real tool prints: values, the usage text, nothing. Like a command of a template it
@@ -101,6 +101,15 @@ exit "$STATUS"
 """
 
 
+# What the real tarnwick-config reads in the place of the default directory, by the exit status that a
+# request for any of its keys would have.
+CONFIGURATIONS = {
+    0: "[Config]\nHostname=one\nDataRoot=/data\n[Network]\nIPV4Address=10.8.0.2\n",
+    1: "no key line\n",
+    2: "[Config]\nArch=arm64\n",
+}
+
+
 @dataclasses.dataclass
 class IdiomRun:
     went_on: bool
@@ -110,8 +119,16 @@ class IdiomRun:
 
 
 def run_idiom(idiom, shell, tool_status, directory):
-    """Runs a piece of a script with a pretended tool that always ends with `tool_status`."""
+    """Runs a piece of a script with a pretended tool that always ends with `tool_status`.
+
+    tarnwick-config prints what is evaluated, so it is the real one, over a configuration to match.
+    """
     write_script(directory / "bin" / "tarnwick-parse-config", PRETENDED_TOOL)
+    if "tarnwick-config" in idiom.text:
+        write_text(directory / "conf.d" / "10.conf", CONFIGURATIONS[tool_status])
+        command = shlex.join(config_command("--config", "conf.d", "--user-id", "0"))
+        script = f'#!/bin/sh\necho asked >> "$ASKED"\nexec {command} "$@"\n'
+        write_script(directory / "bin" / "tarnwick-config", script)
     asked = directory / "asked"
     asked.touch()
     result = subprocess.run(
@@ -196,9 +213,13 @@ def compile_program(name, text, directory, build):
     )
 
 
-def write_script(path, text):
-    path.parent.mkdir(exist_ok=True)
+def write_text(path, text):
+    path.parent.mkdir(parents=True, exist_ok=True)
     path.write_text(text)
+
+
+def write_script(path, text):
+    write_text(path, text)
     path.chmod(path.stat().st_mode | stat.S_IXUSR)
 
 
@@ -233,9 +254,7 @@ def run_example(example, directory, tool_command, build=None):
     results = []
     for block in example.blocks:
         if block.kind == "file":
-            path = directory / block.name
-            path.parent.mkdir(parents=True, exist_ok=True)
-            path.write_text(block.text)
+            write_text(directory / block.name, block.text)
         elif block.kind == "program":
             compile_program(block.name, block.text, directory, build)
         else:

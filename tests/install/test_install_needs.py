@@ -15,7 +15,7 @@ def machine(tmp_path):
     """Runs a script on a pretended machine: programs are those given here, and a few of the real one."""
     programs = tmp_path / "programs"
     programs.mkdir()
-    for name in ("awk", "cat", "dirname", "env", "readlink", "sh", "sort", "bash"):
+    for name in ("awk", "cat", "cmp", "dirname", "env", "readlink", "sh", "sort", "bash"):
         (programs / name).symlink_to(f"/usr/bin/{name}")
 
     def run_there(*command, **pretended):
@@ -69,6 +69,13 @@ def test_a_script_that_needs_mmdebstrap_says_how_to_get_it(machine, command, pur
     result = machine(SCRIPTS / command[0], *command[1:], id="echo 0")
     assert result.returncode == 1
     assert result.stderr == (f"{command[0]}: needs mmdebstrap: run scripts/install-build-deps {purpose}\n")
+
+
+def test_without_root_and_sudo_the_machine_that_boots_is_not_made_and_the_way_out_is_named(machine):
+    result = machine(SCRIPTS / "make-boot-base", "arm64", "base", id="echo 1000")
+    assert result.returncode == 1
+    assert result.stderr.endswith("install sudo, or run as root: scripts/make-boot-base arm64 base\n")
+    assert "not found" not in result.stderr
 
 
 LOG = r"""

@@ -397,12 +397,13 @@ def set_data_root(system, line):
 
 
 def test_the_units_of_the_manual_hand_a_setting_on(manual_units, system):
-    set_data_root(system, "DataRoot=/var/tmp/two words")
-    system.run("mkdir", "-p", "/var/tmp/two words")
+    directory = "/var/tmp/two  blanks, a * and 'quotes'"
+    set_data_root(system, f"DataRoot={directory}")
+    system.run("mkdir", "-p", directory)
     system.run("systemctl", "start", "container-usage.service")
     system.run("journalctl", "--sync")
     messages = system.run("journalctl", "--output=cat", "--unit=container-usage.service")
-    assert "\t/var/tmp/two words\n" in messages
+    assert f"\t{directory}\n" in messages
 
 
 def test_the_units_of_the_manual_fail_without_a_value(manual_units, system):

@@ -48,6 +48,7 @@ SOURCES = Listing(
     [
         Place("src/template_text.h", r'"(\w+)"', r"///     source   = [^\n]*"),
         Place("src/template_text.h", WORD_OF_A_LIST, r"(?<=TemplateSource : std::int32_t \{)[^}]*", REFERENCE, True),
+        Place("src/config_parser.h", WORD_OF_A_LIST, r"(?<=    /// of )config,[^.]*"),
         Place("src/template_expander.cpp", r"\bfrom(\w+)", r"(?<=kSources\{)\n(?:    SourceRow.*\n)*", REFERENCE, True),
         Place("README.md", TEMPLATE_WITH_SOURCE, README_ROWS),
         Place("docs/file-format.md", TEMPLATE_WITH_SOURCE),
