@@ -15,10 +15,10 @@ import time
 from support.tool import TOOL, clean_environment
 
 BOOT_SCRIPT = pathlib.Path(__file__).with_name("boot_container.sh")
-BOOT_LIMIT_SECONDS = 30
-COMMAND_LIMIT_SECONDS = 30
+BOOT_LIMIT_SECONDS = 120
+COMMAND_LIMIT_SECONDS = 120
 # The whole life of one container; after this the driver is stopped from outside.
-LIFE_LIMIT_SECONDS = 150
+LIFE_LIMIT_SECONDS = 800
 DEBUGGER_LIFE_LIMIT_SECONDS = 3600
 
 TOOL_INSIDE = "/usr/local/bin/tarnwick-parse-config"
@@ -162,7 +162,7 @@ def stop(driver):
     """Asks the driver to stop the container; the driver cleans up behind it."""
     driver.terminate()
     try:
-        driver.wait(timeout=40)
+        driver.wait(timeout=100)
     except subprocess.TimeoutExpired:
         driver.kill()
         driver.wait()

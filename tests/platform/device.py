@@ -174,7 +174,7 @@ def is_watching(process_id):
     return False
 
 
-def wait_until(condition, limit_seconds=20):
+def wait_until(condition, limit_seconds=100):
     """Waits for `condition` to become true; a test that gets no such moment fails."""
     deadline = time.monotonic() + limit_seconds
     while not condition():
