@@ -41,22 +41,6 @@ def compare(*arguments):
 
 
 @pytest.fixture
-def other_build(tmp_path):
-    """A copy of the tool with one text in place of another of the same length."""
-
-    def make(text, replacement):
-        assert len(text) == len(replacement)
-        content = pathlib.Path(TOOL).read_bytes()
-        assert text in content
-        build = tmp_path / "other-build"
-        build.write_bytes(content.replace(text, replacement))
-        build.chmod(0o755)
-        return build
-
-    return make
-
-
-@pytest.fixture
 def wrapped_build(tmp_path):
     """A script in whose text TOOL stands for a run of the tool, under its name."""
 
@@ -176,6 +160,18 @@ def test_a_build_that_hangs_differs(bench, case, wrapped_build, monkeypatch):
     first, second = bench.answers(case, [TOOL, str(wrapped_build("sleep 1000"))])
     assert (first.status, second.status) == (1, -9)
     assert difference([first, second])
+
+
+def test_shrinking_keeps_only_what_makes_the_case_fail():
+    case = make_case("tarnwick:3")
+    case.files[b"d2/extra.conf"] = b"[A]\nx=1\ny=good;bad\nz=3\n"
+
+    def has_bad_piece(smaller):
+        return any(content and b"bad" in content for content in smaller.files.values())
+
+    smallest = shrink(case, has_bad_piece)
+    assert smallest.files == {b"d2/extra.conf": b"bad"} or smallest.files == {b"d2/extra.conf": b"y=good;bad"}
+    assert smallest.environment == {} and smallest.links == {}
 
 
 def test_arguments_are_shrunk_too():
