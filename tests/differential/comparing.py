@@ -10,7 +10,7 @@ from support.tool import run_tool
 
 LEVELS = {None: 2, b"debug": 4, b"Critical": 0, b"ERROR": 1, b"3": 3, b"0x4": 4}
 
-# A case takes milliseconds, and shrinking one that hangs waits this long for each thing taken away.
+# A case takes milliseconds, and to make one small that hangs takes this long for each try.
 TIME_LIMIT_SECONDS = 20
 HANGS = subprocess.CompletedProcess([], "hangs", b"", b"")
 

@@ -21,7 +21,7 @@ def often(percent):
     return weighted((100 - percent, [False]), (percent, [True]), slots=256)
 
 
-PLACES = 256
+PLACES = 4096
 PLACE = st.sampled_from(range(PLACES))
 
 

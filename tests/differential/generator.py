@@ -77,6 +77,14 @@ BLANKS = [
 NUMBERS = [b"0", b"1", b"+1", b"0x1", b"007", b"1x", b"abc", b"12345", b"99999999999", b"-5", b"0xFFFFFFFFF", b"1 2"]
 
 
+def show_case(case):
+    """The case as somebody would want to see it who has to find the fault."""
+    lines = [f"{name} {value!r}" for name, value in vars(case).items() if name not in ("files", "links")]
+    lines += [f"file {name!r}: {content!r}" for name, content in case.files.items()]
+    lines += [f"link {name!r} -> {target!r}" for name, target in case.links.items()]
+    return "\n".join(lines)
+
+
 @dataclass(repr=False)
 class Case:
     """Everything that a run depends on: the files (name to content, None for a directory), the
@@ -94,12 +102,7 @@ class Case:
     list_all: bool
     environment: dict
 
-    def __repr__(self):
-        """The case as somebody would want to see it who has to find the fault."""
-        lines = [f"{name} {value!r}" for name, value in vars(self).items() if name not in ("files", "links")]
-        lines += [f"file {name!r}: {content!r}" for name, content in self.files.items()]
-        lines += [f"link {name!r} -> {target!r}" for name, target in self.links.items()]
-        return "\n".join(lines)
+    __repr__ = show_case
 
 
 def entries_of(files):
@@ -155,29 +158,35 @@ def value_shapes(pieces):
     ]
 
 
-@functools.cache
-def line_shapes(mood):
-    """A line as the text that it starts with and the shape of the value behind that."""
-    keys = [key + b"=" for key in KEYS]
-    pieces = PIECES_AMONG_BLANKS if mood == "blanks" else PIECES
-    values = [(0.55 * weight, list(itertools.product(keys, shapes))) for weight, shapes in value_shapes(pieces)]
-    texts = [(9, keys), (7, HARMLESS_LINES), (0.5, FAR_DOWN), (30, HEADERS)]
-    return weighted(*values, *[(weight, [(text, "") for text in alternatives]) for weight, alternatives in texts])
+END = (None, "")
 
 
+def line_shapes(keys, headers, pieces, more=()):
+    """A line as the text that it starts with and the shape of the value behind that, or the end of all lines."""
+    starts = [key + b"=" for key in keys]
+    values = [(0.55 * weight, list(itertools.product(starts, shapes))) for weight, shapes in value_shapes(pieces)]
+    texts = [(9, starts), (7, HARMLESS_LINES), (0.5, FAR_DOWN), (30, headers)]
+    texts = [(weight, [(text, "") for text in alternatives]) for weight, alternatives in texts]
+    return weighted((13, [END]), *values, *texts, *more)
+
+
+LINE_SHAPES = line_shapes(KEYS, HEADERS, PIECES)
+LINE_SHAPES_AMONG_BLANKS = line_shapes(KEYS, HEADERS, PIECES_AMONG_BLANKS)
 WORDS = st.sampled_from(LITERALS)
 
 
-def fill(draw, shape, mood):
-    """The text of a value of this shape."""
-    strategies = {"a": atoms(mood), "w": WORDS}
+def fill(draw, shape, strategies):
+    """The text of a value: what is drawn for each mark of its shape."""
     return b"".join(b";" if mark == ";" else draw(strategies[mark]) for mark in shape)
 
 
-@st.composite
-def lines(draw, mood):
-    text, shape = draw(line_shapes(mood))
-    return text + fill(draw, shape, mood)
+def draw_lines(draw, shapes, strategies):
+    """Lines until one is the end: so a failing case loses its lines one by one."""
+    while True:
+        text, shape = draw(shapes)
+        if text is None:
+            return
+        yield text + fill(draw, shape, strategies)
 
 
 # --- files -------------------------------------------------------------------------------
@@ -185,19 +194,23 @@ def lines(draw, mood):
 PATHS = st.sampled_from([directory + b"/" + name for directory in DIRECTORIES for name in FILE_NAMES])
 OTHER_PATHS = [directory + b"/" + name for directory in DIRECTORIES for name in NOT_CONFIGURATION]
 NOT_READ = weighted((73, [{}]), (27, [{path: b"K=not read\n bad\n"} for path in OTHER_PATHS]))
-# What is around the lines of a file: how many they are, the line before them, and how the last one ends.
+# The line before the others, and how the last one ends; None for an empty file.
 FRAMES = weighted(
-    (15, [(0, b"", b"")]),
-    (69, list(itertools.product(range(12), HEADERS, [b"\n"]))),
-    (8, list(itertools.product(range(12), HEADERS, [b""]))),
-    (8, list(itertools.product(range(12), [b""], [b"\n", b""]))),
+    (10, [None]),
+    (69, [(header, b"\n") for header in HEADERS]),
+    (8, [(header, b"") for header in HEADERS]),
+    (8, [(b"", b"\n"), (b"", b"")]),
 )
 
 
 @st.composite
 def contents(draw, mood):
-    count, first, end = draw(FRAMES)
-    return b"\n".join([first, *[draw(lines(mood)) for _ in range(count)]]) + end
+    frame = draw(FRAMES)
+    if frame is None:
+        return b""
+    first, end = frame
+    shapes = LINE_SHAPES_AMONG_BLANKS if mood == "blanks" else LINE_SHAPES
+    return b"\n".join([first, *draw_lines(draw, shapes, {"a": atoms(mood), "w": WORDS})]) + end
 
 
 @functools.cache
@@ -294,7 +307,7 @@ def add_generated_user(draw, case):
     lines = [b"[GeneratedConfig]"]
     for key in draw(GENERATED_KEYS):
         is_number = key in (b"UserId", b"BaseUid")
-        value = draw(GENERATED_NUMBERS) if is_number else fill(draw, draw(GENERATED_SHAPES), case.mood)
+        value = draw(GENERATED_NUMBERS) if is_number else fill(draw, draw(GENERATED_SHAPES), {"a": atoms("plain")})
         lines.append(key + b"=" + value)
     case.files[b"d1/zz-generated.conf"] = b"\n".join(lines) + b"\n"
 

@@ -2,7 +2,7 @@
 
 import os
 
-from hypothesis import HealthCheck, Phase, core, settings
+from hypothesis import HealthCheck, Phase, core, given, seed, settings
 
 REPEATABLE = settings(
     database=None,
@@ -18,3 +18,17 @@ REPEATABLE = settings(
 def on_cases(variable, count):
     """Settings for as many cases as the environment variable says, else for `count`."""
     return settings(REPEATABLE, max_examples=int(os.environ.get(variable, count)))
+
+
+def generate(strategy, count, number):
+    """So many cases, made from the seed `number`."""
+    generated = []
+
+    @seed(number)
+    @settings(REPEATABLE, max_examples=count, phases=[Phase.generate])
+    @given(strategy)
+    def collect(case):
+        generated.append(case)
+
+    collect()
+    return generated
