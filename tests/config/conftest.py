@@ -1,8 +1,14 @@
 """The fixtures of the tests of tarnwick-config: a configuration to write, and a check of it."""
 
+import pathlib
+import sys
+
 import pytest
 from config_helpers import faults_of
 from support.tool import run_config, write_files
+
+# Where the generated cases come from.
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "differential"))
 
 
 def pytest_configure(config):

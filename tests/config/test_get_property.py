@@ -3,69 +3,56 @@ prints for each key, from one load, and the one file that `show` writes loads ba
 
 The cases are those of the differential tests, with commands that count how often they run.
 
-TARNWICK_GET_CASES        how many cases of `make test` (default 200)
-TARNWICK_GET_SLOW_CASES   how many with the slow ones (default 12000)
-TARNWICK_GET_SEED         where the cases come from (default "get")
-TARNWICK_GET_ONLY         the number of the only case to run
+TARNWICK_GET_CASES   how many cases (default 130)
 """
 
 import json
 import os
-import pathlib
-import random
-import shutil
 import subprocess
-import sys
-import tempfile
-from concurrent.futures import ProcessPoolExecutor
 
 import pytest
+from comparing import context_of, on_disk, variables_of
+from draws import often, pick
+from generator import GROUPS, KEYS, cases, entries_of
+from hypothesis import given
+from hypothesis import strategies as st
+from support.generated import on_cases
 from support.tool import clean_environment, config_command, tool_command
-
-sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "differential"))
-from comparing import describe, write_case  # noqa: E402
-from generator import GROUPS, KEYS, make_case  # noqa: E402
-
-CASES = int(os.environ.get("TARNWICK_GET_CASES", "200"))
-SLOW_CASES = int(os.environ.get("TARNWICK_GET_SLOW_CASES", "12000"))
-SEED = os.environ.get("TARNWICK_GET_SEED", "get")
-ONLY = os.environ.get("TARNWICK_GET_ONLY")
 
 COUNTED = b"[Config]\nRuns=${system:echo x >> runs && echo word};${system:echo x >> runs && printf 'a b'}\n"
 GENERATED = b"[GeneratedConfig]\nHome=${system:echo x >> runs && echo /home}\n"
 TIME_LIMIT_SECONDS = 60
 
 
+@st.composite
+def counted_cases(draw):
+    case = draw(cases())
+    case.files[b"d1/counted.conf"] = COUNTED + GENERATED * draw(often(20))
+    return case
+
+
+COUNTS = st.sampled_from([1, 1, 2, 2, 3, 5])
+ANY_KEY = st.tuples(st.sampled_from(GROUPS), st.sampled_from(KEYS))
+
+
+@st.composite
+def requests(draw):
+    """A case and the keys that are asked for, mostly some that stand in a file."""
+    case = draw(counted_cases())
+    found = [(b"Config", b"Runs"), draw(ANY_KEY), *((group, key) for group, key, _ in entries_of(case.files))]
+    # What no argument can hold, what the command line refuses, and what it would read otherwise.
+    known = [(group, key) for group, key in found if key and b"/" not in group and b"\0" not in group + key]
+    return case, [pick(draw, known) for _ in range(draw(COUNTS))]
+
+
 class Trial:
-    """One case on the disk, and what is asked of it."""
+    """A case that lies on the disk, and its runs."""
 
-    def __init__(self, number, root):
+    def __init__(self, case, root):
         self.root = root
-        self.chance = random.Random(f"{SEED}:{number}:keys")
-        self.case = make_case(f"{SEED}:{number}")
-        self.case.files[b"d1/counted.conf"] = COUNTED + GENERATED * (self.chance.random() < 0.2)
-        self.keys = [self.chance.choice(self.known_keys()) for _ in range(self.chance.choice([1, 1, 2, 2, 3, 5]))]
-        variables = {os.fsdecode(name): os.fsdecode(text) for name, text in self.case.environment.items()}
-        self.environment = clean_environment(**variables)
-        self.context = [b"--user-id", b"%d" % self.case.user_id, b"--configs", b":".join(self.case.directories)]
-        self.context += [b"--instance", self.case.instance]
-        if self.case.level is not None:
-            self.context += [b"--log-level", self.case.level]
-        shutil.rmtree(root, ignore_errors=True)
-        write_case(self.case, root)
-
-    def known_keys(self):
-        """Mostly keys that stand in a file."""
-        found = [(b"Config", b"Runs"), (self.chance.choice(GROUPS), self.chance.choice(KEYS))]
-        for name, content in sorted(self.case.files.items()):
-            group = b""
-            for line in content.split(b"\n") if content is not None and name.endswith(b".conf") else ():
-                if line.startswith(b"["):
-                    group = line[1:-1]
-                elif b"=" in line and line[:1] not in b"#;":
-                    found.append((group, line.split(b"=")[0]))
-        # What no argument can hold, what the command line refuses, and what it would read otherwise.
-        return [(group, key) for group, key in found if key and b"/" not in group and b"\0" not in group + key]
+        self.context = context_of(case)
+        self.wanted = [b"--list"] * case.list_all
+        self.environment = clean_environment(**variables_of(case))
 
     def run(self, command):
         """Status, output and count of command runs."""
@@ -87,23 +74,21 @@ class Trial:
         return result.returncode, result.stdout, runs
 
     def ask_tool(self, group, key):
-        wanted = [b"--list"] * self.case.list_all + [b"--group", group, b"--key", key]
-        return self.run([*tool_command(), *self.context, *wanted])
+        return self.run([*tool_command(), *self.context, *self.wanted, b"--group", group, b"--key", key])
 
-    def ask_get(self):
-        wanted = [b"--list"] * self.case.list_all + [b"--", *(b"/".join(name) for name in self.keys)]
-        return self.run([*config_command("get"), *self.context, *wanted])
+    def ask_get(self, keys):
+        return self.run([*config_command("get"), *self.context, *self.wanted, b"--", *map(b"/".join, keys)])
 
     def show(self, *arguments):
         return self.run([*config_command("show"), *self.context, *arguments])
 
-    def get_difference(self):
+    def get_difference(self, keys):
         """None when both agree, otherwise what they said."""
-        answers = [self.ask_tool(*name) for name in self.keys]
+        answers = [self.ask_tool(*name) for name in keys]
         worst = max((status for status, _, _ in answers), key=[0, 2, 1].index)
         expected = worst, b"".join(output for _, output, _ in answers), answers[0][2]
-        seen = self.ask_get()
-        return None if seen == expected else f"{self.keys}\ntool: {expected}\nget:  {seen}"
+        seen = self.ask_get(keys)
+        return None if seen == expected else f"{keys}\ntool: {expected}\nget:  {seen}"
 
     def ini_difference(self):
         """None when the file that is written loads back to the same values, or none is written."""
@@ -131,34 +116,14 @@ def by_key(shown):
     }
 
 
-def first_difference(numbers, is_whole):
-    """Compares the cases; every fourth one also by the file that `show` writes, or all if that is wanted."""
-    memory = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
-    parent = tempfile.mkdtemp(prefix="get-", dir=memory)
-    root = os.fsencode(os.path.join(os.path.realpath(parent), "case"))
-    try:
-        for number in numbers:
-            trial = Trial(number, root)
-            found = trial.get_difference()
-            if found is None and (is_whole or number % 4 == 0):
-                found = trial.ini_difference()
-            if found is not None:
-                return f"case {number}\n{describe(trial.case)}\n{found}"
-        return None
-    finally:
-        shutil.rmtree(parent)
-
-
-@pytest.mark.parametrize("block", range(1 if ONLY else 5))
-def test_get_prints_what_the_tool_prints_and_show_writes_what_it_shows(block):
-    found = first_difference([int(ONLY)] if ONLY else range(block, CASES, 5), is_whole=bool(ONLY))
-    assert found is None, found
-
-
-@pytest.mark.slow
-def test_the_same_of_many_more_cases():
-    blocks = 8 * (os.cpu_count() or 1)
-    with ProcessPoolExecutor() as processes:
-        parts = [range(CASES + block, SLOW_CASES, blocks) for block in range(blocks)]
-        found = [text for text in processes.map(first_difference, parts, [False] * blocks) if text is not None]
-    assert not found, found[0]
+@on_cases("TARNWICK_GET_CASES", 130)
+@given(request=requests(), is_shown=often(25))
+def test_get_prints_what_the_tool_prints_and_show_writes_what_it_shows(root, request, is_shown):
+    case, keys = request
+    with on_disk(case, root):
+        trial = Trial(case, root)
+        found = trial.get_difference(keys)
+        if found is None and is_shown:
+            found = trial.ini_difference()
+    if found is not None:
+        pytest.fail(found)

@@ -1,4 +1,4 @@
-"""Random runs of the tool, for two builds to be compared on: the same seed gives the same run.
+"""Random runs of the tool, for two builds to be compared on, as a strategy of Hypothesis.
 
 The cases of `generator` are made for a naive second implementation, which has to know what a
 command prints and what stands in a database. Between two builds everything may happen that is the
@@ -10,21 +10,16 @@ the cases with bad lines are a mood of their own, with the templates on the gene
 are read before.
 """
 
-import random
+import functools
+import itertools
 from dataclasses import dataclass
+
+from hypothesis import strategies as st
 
 import generator
 from build_requests import add_logging, make_arguments
-
-MOODS = {
-    "templates": 28,
-    "bad lines": 22,
-    "references": 18,
-    "generated user": 10,
-    "blanks": 8,
-    "odd files": 6,
-    "command line": 8,
-}
+from draws import often, pick, place, weighted
+from generator import PIECES, WORDS, draw_lines, fill, line_shapes, value_shapes
 
 GROUPS = [b"Config"] * 4 + [b"A"] * 3 + [b"B b", b"GeneratedConfig", b"config", b" x ", b"Refs"]
 KEYS = [b"K", b"K", b"K", b"L", b"L", b"M", b"my key ", b"N-1.x_", b"BaseUid", b"Instance"]
@@ -64,13 +59,12 @@ GENERATED_USER_IDS = [b"0"] * 10 + [b"1", b"12345", b"0x0", b"abc", b"9999999999
 GENERATED_TEXTS = [b"0", b"text", b"text;other", b"${HOME}", b"${INSTANCE}", b"${system:}", b"${env:DT_ONE}"]
 
 
-@dataclass
+@dataclass(repr=False)
 class BuildCase:
     """Everything that a run depends on: the files (name to content, None for a directory), the
     links (name to target), arguments and environment. With `one_stream` standard output and error
     stream are the same file, so that the order between the two counts as well."""
 
-    seed: str
     mood: str
     files: dict
     links: dict
@@ -78,163 +72,168 @@ class BuildCase:
     environment: dict
     one_stream: bool
 
+    __repr__ = generator.show_case
 
-def make_case(seed):
-    """The case that belongs to `seed`, a text."""
-    chance = random.Random(seed)
-    mood = chance.choices(list(MOODS), list(MOODS.values()))[0]
-    case = BuildCase(seed, mood, {}, {b"loop": b"loop", b"dangling": b"nowhere"}, [], {}, chance.random() < 0.4)
-    case.environment |= generator.ENVIRONMENT
-    if chance.random() < 0.3:
-        case.environment[b"XDG_CONFIG_HOME"] = chance.choice([b"", b"/nowhere"])
-    if mood == "blanks":
-        case.environment |= generator.BLANK_ENVIRONMENT
-    add_environment_files(chance, case)
-    add_configuration_files(chance, case)
-    if mood == "references" or chance.random() < 0.1:
-        add_references(chance, case)
-    if mood == "generated user" or chance.random() < 0.05:
-        add_generated_user(chance, case)
-    if mood == "bad lines":
-        add_bad_lines(chance, case)
-    if mood == "odd files":
-        add_odd_files(chance, case)
-    add_logging(chance, case)
-    case.arguments += make_arguments(chance, case)
-    return case
+
+# --- lines -------------------------------------------------------------------------------
+
+HEADERS = [b"[" + group + b"]" for group in GROUPS]
+REFERENCES = [
+    b"${config:" + group + b"/" + key + end + b"}"
+    for end, group, key in itertools.product([b"", b"", b"/"], GROUPS, KEYS)
+]
+DATABASE_TEMPLATES = [
+    template + end
+    for template, end in itertools.product(DATABASE, [b"", b"", b";", SHOW_CONFIG_HOME, b";" + SHOW_CONFIG_HOME])
+]
+COMMAND_TEMPLATES = [b"${system:" + command + b"}" for command in COMMANDS]
+BLANKS = generator.BLANKS + [
+    b"${dconf:/tw/blank}",
+    *[b"${system:" + command + b"}" for command in COMMANDS_WITHOUT_TEXT],
+]
+
+
+@functools.cache
+def atoms(has_blanks):
+    """Commands often stand between faults, whose records and their output must not change places."""
+    return weighted(
+        (7 if has_blanks else 32, generator.LITERALS),
+        (15, generator.GOOD_TEMPLATES),
+        (8, generator.MISSING_TEMPLATES),
+        (5, generator.BROKEN_TEMPLATES),
+        (6, FORMS),
+        (3, PROPERTIES),
+        (2, DATABASE_TEMPLATES),
+        (8, COMMAND_TEMPLATES),
+        (3, [command + fault for command in COMMAND_TEMPLATES for fault in FAULTS]),
+        (1.5, [fault + command for command in COMMAND_TEMPLATES for fault in FAULTS]),
+        (
+            1.5,
+            [b"".join(three) for three in itertools.product(COMMAND_TEMPLATES, [b";", b"", b" "], COMMAND_TEMPLATES)],
+        ),
+        (16, REFERENCES),
+        *[(25, BLANKS)] * has_blanks,
+        slots=1 << 16,
+    )
+
+
+PLAIN_PIECES = ["a", "a", "aa", "aa", "aaa", "aaaa"]
+PIECES_AMONG_BLANKS = ["wa", "aw", "awa", "waa", "aaw", "aawa", "a"]
+LONG_LINES = [(2, [(key + b"=", "l") for key in KEYS])]
+
+
+@functools.cache
+def shapes_of_lines(has_blanks):
+    return line_shapes(KEYS, HEADERS, PIECES_AMONG_BLANKS if has_blanks else PLAIN_PIECES, LONG_LINES)
+
+
+def long_text(filler, length, less, end):
+    return (filler * (length // len(filler) + 1))[: length - less] + end
+
+
+LONG_VALUES = st.builds(
+    long_text,
+    st.sampled_from([b"v", b"; ", b"v;", b"$$", b"\0", b"\xff"]),
+    st.sampled_from(LENGTHS),
+    st.sampled_from(range(5)),
+    st.sampled_from([b"", b"", b"end", b"$", b"${HOME}"]),
+)
+
+
+@functools.cache
+def marks(has_blanks):
+    return {"a": atoms(has_blanks), "w": WORDS, "l": LONG_VALUES}
+
+
+VALUE_SHAPES = weighted(*value_shapes(PIECES))
 
 
 # --- files -------------------------------------------------------------------------------
 
+PATHS = generator.PATHS
+FAR_DOWN = [line * count for line in (b"# far down\n", b"\n", b";\n") for count in range(240, 600, 12)]
+ENDS = weighted((82, [(b"\n", b"\n")]), (15, [(b"\n", b"")]), (3, [(b"\r\n", b"\r\n")]), slots=256)
+# What is far above the lines of a file, and the line before them; None for an empty file.
+FRAMES = weighted(
+    (14, [None]),
+    (65, [(b"", header) for header in HEADERS]),
+    (11, [(b"", b"")]),
+    (10, [(far_down, HEADERS[0]) for far_down in FAR_DOWN]),
+)
 
-def add_environment_files(chance, case):
-    lines = generator.ENVIRONMENT_FILE_LINES + [b"NAME=" + b"n" * 5000]
-    if case.mood == "blanks":
-        lines = lines + generator.BLANK_ENVIRONMENT_FILE_LINES
+
+def end_lines(draw, lines):
+    between, last = draw(ENDS)
+    return between.join(lines) + last if lines else b""
+
+
+@st.composite
+def contents(draw, has_blanks):
+    frame = draw(FRAMES)
+    if frame is None:
+        return b""
+    far_above, first = frame
+    return far_above + end_lines(draw, [first, *draw_lines(draw, shapes_of_lines(has_blanks), marks(has_blanks))])
+
+
+@functools.cache
+def configuration_files(has_blanks):
+    return st.lists(st.tuples(PATHS, contents(has_blanks)), min_size=2, max_size=6).map(dict)
+
+
+LONG_ENVIRONMENT_FILES = weighted(
+    (90, [{}]), (10, [{b"env/three": b"NAME=" + b"n" * length + b"\nLAST=last"} for length in LENGTHS])
+)
+
+
+@functools.cache
+def environment_files(has_blanks):
+    chosen = generator.ENVIRONMENT_FILE_LINES + [b"NAME=" + b"n" * 5000]
+    if has_blanks:
+        chosen = chosen + generator.BLANK_ENVIRONMENT_FILE_LINES
     else:
-        lines.remove(b"NAME=\r")  # ends the run
-    for name in (b"env/one", b"env/two"):
-        chosen = chance.choices(lines, k=chance.randint(0, 6))
-        case.files[name] = b"\n".join(chosen) + chance.choice([b"\n", b""])
-    if chance.random() < 0.1:
-        case.files[b"env/three"] = b"NAME=" + b"n" * chance.choice(LENGTHS) + b"\nLAST=last"
-
-
-def add_configuration_files(chance, case):
-    for directory in generator.DIRECTORIES:
-        for name in chance.sample(generator.FILE_NAMES, chance.choice([0, 1, 1, 2])):
-            case.files[directory + b"/" + name] = make_file(chance, case.mood)
-    if chance.random() < 0.97:
-        case.files.setdefault(b"d1/10-a.conf", make_file(chance, case.mood))
-
-
-def make_file(chance, mood):
-    lines = make_lines_far_down(chance) if chance.random() < 0.1 else []
-    for _ in range(chance.choice([0, 1, 1, 2, 2, 3])):
-        if chance.random() < 0.85:
-            lines.append(b"[" + chance.choice(GROUPS) + b"]")
-        for _ in range(chance.randint(0, 4)):
-            lines.append(make_line(chance, mood))
-    return end_lines(chance, lines)
-
-
-def make_lines_far_down(chance):
-    return [chance.choice([b"# far down", b"", b";"])] * chance.randint(240, 600)
-
-
-def end_lines(chance, lines):
-    ending = b"\r\n" if chance.random() < 0.03 else b"\n"
-    content = b"".join(line + ending for line in lines)
-    return content[: -len(ending)] if chance.random() < 0.15 else content
-
-
-def make_line(chance, mood):
-    kind = chance.random()
-    if kind < 0.06:
-        return chance.choice(generator.HARMLESS_LINES)
-    key = chance.choice(KEYS)
-    if kind < 0.12:
-        return key + b"="
-    if kind < 0.14:
-        return key + b"=" + make_long_value(chance)
-    return key + b"=" + make_value(chance, mood)
-
-
-def make_long_value(chance):
-    filler = chance.choice([b"v", b"; ", b"v;", b"$$", b"\0", b"\xff"])
-    length = chance.choice(LENGTHS) - chance.randint(0, 4)
-    return (filler * (length // len(filler) + 1))[:length] + chance.choice([b"", b"", b"end", b"$", b"${HOME}"])
-
-
-def make_value(chance, mood):
-    pieces = [make_piece(chance, mood) for _ in range(chance.choice([1, 1, 1, 2, 3]))]
-    for _ in range(chance.choice([0, 0, 0, 0, 1, 3])):
-        pieces.insert(chance.randrange(len(pieces) + 1), b"")
-    return b";".join(pieces)
-
-
-def make_piece(chance, mood):
-    atoms = [make_atom(chance, mood) for _ in range(chance.choice([1, 1, 2, 2, 3, 4]))]
-    if mood == "blanks" and chance.random() < 0.9:
-        # Something to keep between the blanks, or hardly any case gets past its first line.
-        atoms.insert(chance.randrange(len(atoms) + 1), chance.choice(generator.LITERALS))
-    return b"".join(atoms)
-
-
-def make_atom(chance, mood):
-    kind = chance.random()
-    if mood == "blanks" and kind < 0.25:
-        blank_templates = [b"${env:DT_BLANK}", b"${env:DT_SPACE}", b"${env:DT_PADDED}", b"${dconf:/tw/blank}"]
-        commands = [b"${system:" + command + b"}" for command in COMMANDS_WITHOUT_TEXT]
-        return chance.choice(generator.BLANKS * 4 + blank_templates + commands)
-    if kind < 0.32:
-        return chance.choice(generator.LITERALS)
-    if kind < 0.47:
-        return chance.choice(generator.GOOD_TEMPLATES)
-    if kind < 0.55:
-        return chance.choice(generator.MISSING_TEMPLATES)
-    if kind < 0.60:
-        return chance.choice(generator.BROKEN_TEMPLATES)
-    if kind < 0.66:
-        return chance.choice(FORMS)
-    if kind < 0.69:
-        return chance.choice(PROPERTIES)
-    if kind < 0.70:
-        return chance.choice(DATABASE) + chance.choice([b"", b"", b";", SHOW_CONFIG_HOME, b";" + SHOW_CONFIG_HOME])
-    if kind < 0.84:
-        return make_command(chance)
-    return make_reference(chance)
-
-
-def make_command(chance):
-    """A command, often between faults, whose records and its output must not change places."""
-    command = b"${system:" + chance.choice(COMMANDS) + b"}"
-    place = chance.random()
-    if place < 0.2:
-        return command + chance.choice(FAULTS)
-    if place < 0.3:
-        return chance.choice(FAULTS) + command
-    if place < 0.4:
-        return command + chance.choice([b";", b"", b" "]) + b"${system:" + chance.choice(COMMANDS) + b"}"
-    return command
-
-
-def make_reference(chance):
-    return b"${config:" + chance.choice(GROUPS) + b"/" + chance.choice(KEYS) + chance.choice([b"", b"", b"/"]) + b"}"
+        chosen.remove(b"NAME=\r")  # ends the run
+    line = st.sampled_from(chosen)
+    content = st.lists(line.map(lambda text: text + b"\n"), max_size=6).map(b"".join)
+    return st.fixed_dictionaries({b"env/one": content, b"env/two": line})
 
 
 # --- moods -------------------------------------------------------------------------------
 
+SIZES = st.sampled_from([1, 2, 5, 16, 30, 31, 32, 33, 34, 35])
+SHAPES = st.sampled_from(["circle", "chain", "fan", "fan of pairs"])
+AMONG = weighted((75, [b"Refs"]), (25, [b"GeneratedConfig"]), slots=256)
+LEAVES = weighted((90, [None]), (10, [b"", b"again", b";", b"${NOPE}", b"${config:Refs/Gone}"]), slots=256)
+REFERENCE = st.sampled_from(REFERENCES)
+AROUND = st.sampled_from(
+    list(
+        itertools.product(
+            [b"", b"", b" ", b"\t  ", b"    "],
+            [b"", b"a"],
+            [b"", b"", b"y", b" ", b"yyyyyyyy "],
+        )
+    )
+)
 
-def add_references(chance, case):
+
+def add_blanks(draw, text):
+    blanks, word, behind = draw(AROUND)
+    return blanks + word + text + behind
+
+
+STARTS = st.sampled_from([b"", b";", b"x", b"<"])
+GENERATED_VALUES = st.sampled_from([b"0", b"text", None])
+
+
+def add_references(draw, case):
     """A circle, a chain, or a fan around the limit, with blanks around and keys that go again, in
     a file that is read last; now and then among the generated keys."""
-    size = chance.choice([1, 2, 5, 16, 30, 31, 32, 33, 34, 35])
-    group = b"GeneratedConfig" if chance.random() < 0.25 else b"Refs"
+    size = draw(SIZES)
+    group = draw(AMONG)
     following = [(number + 1) % size for number in range(size)]
     chain = [b"N%d=n${config:Refs/N%d}" % (number, after) for number, after in enumerate(following)]
     lines = [b"[Refs]", b"Leaf=leaf", b"Pair=(${config:Refs/Leaf})", b"Twice=${config:Refs/Leaf};plain"]
-    shape = chance.choice(["circle", "chain", "fan", "fan of pairs"])
+    shape = draw(SHAPES)
     start = b"${config:Refs/N0}"
     if shape == "fan":
         start = b"${config:Refs/Leaf}" * size
@@ -244,81 +243,137 @@ def add_references(chance, case):
         lines += chain
     if shape == "chain":
         lines[-1] = b"N%d=end" % (size - 1)
-    if chance.random() < 0.1:
-        lines += [b"[Refs]", b"Leaf=" + chance.choice([b"", b"again", b";", b"${NOPE}", b"${config:Refs/Gone}"])]
+    leaf = draw(LEAVES)
+    if leaf is not None:
+        lines += [b"[Refs]", b"Leaf=" + leaf]
     lines += [b"[" + group + b"]", b"Start=" + start]
     if group == b"GeneratedConfig":
-        lines += [key + b"=" + chance.choice([b"0", b"text", start, make_reference(chance)]) for key in GENERATED]
-    lines.append(b"Start=" + chance.choice([b"", b";", b"x", b"<"]) + add_blanks(chance, start))
-    if chance.random() < 0.5:
-        lines.append(b"Start=after;;" + add_blanks(chance, start) + b";" + add_blanks(chance, b"${config:Refs/Gone}x"))
-    case.files[b"d3/zz.conf"] = end_lines(chance, lines)
+        lines += [key + b"=" + (draw(GENERATED_VALUES) or pick(draw, [start, draw(REFERENCE)])) for key in GENERATED]
+    lines.append(b"Start=" + draw(STARTS) + add_blanks(draw, start))
+    if draw(st.booleans()):
+        lines.append(b"Start=after;;" + add_blanks(draw, start) + b";" + add_blanks(draw, b"${config:Refs/Gone}x"))
+    case.files[b"d3/zz.conf"] = end_lines(draw, lines)
 
 
-def add_blanks(chance, text):
-    before = chance.choice([b"", b"", b" ", b"\t  ", b"    "])
-    behind = chance.choice([b"", b"", b"y", b" ", b"yyyyyyyy "])
-    return before + chance.choice([b"", b"a"]) + text + behind
+USER_ID_VALUES = st.sampled_from(GENERATED_USER_IDS)
+TEXT_VALUES = st.sampled_from(GENERATED_TEXTS)
+KINDS = weighted((75, ["simple"]), (20, ["any"]), (5, ["none"]), slots=256)
+GENERATED_FILES = st.sampled_from([b"d1/zz.conf", b"d2/zz.conf"])
 
 
-def add_generated_user(chance, case):
+def add_generated_user(draw, case):
     lines = [b"[GeneratedConfig]"]
     for key in GENERATED:
-        value = chance.choice(GENERATED_USER_IDS if key == b"UserId" else GENERATED_TEXTS)
-        if chance.random() < 0.2:
-            value = make_value(chance, case.mood)
-        if chance.random() < 0.95:
-            lines.append(key + b"=" + value)
-    if chance.random() < 0.2:
-        lines.append(chance.choice(GENERATED) + b"=" + add_blanks(chance, make_reference(chance)))
-    case.files[chance.choice([b"d1/", b"d2/"]) + b"zz.conf"] = end_lines(chance, lines)
+        kind = draw(KINDS)
+        if kind == "simple":
+            lines.append(key + b"=" + draw(USER_ID_VALUES if key == b"UserId" else TEXT_VALUES))
+        elif kind == "any":
+            lines.append(key + b"=" + any_value(draw, case))
+    if draw(often(20)):
+        lines.append(pick(draw, GENERATED) + b"=" + add_blanks(draw, draw(REFERENCE)))
+    case.files[draw(GENERATED_FILES)] = end_lines(draw, lines)
 
 
-def add_bad_lines(chance, case):
+def any_value(draw, case):
+    return fill(draw, draw(VALUE_SHAPES), marks(case.mood == "blanks"))
+
+
+LONG_BAD_LINES = [start * length for start in (b" ", b"[", b"K", b"[\0", b"\xff", b"K\0=") for length in LENGTHS]
+BAD_LINES = weighted(
+    (90, generator.BAD_LINES),
+    (5, LONG_BAD_LINES),
+    (5, [bytes([byte]).replace(b"\n", b"\0") + b"K=v" for byte in range(256)]),
+)
+BAD_LINES_TOGETHER = st.lists(BAD_LINES, min_size=1, max_size=3)
+LINES_FAR_DOWN = weighted((50, [b""]), (50, FAR_DOWN))
+
+
+def add_bad_lines(draw, case):
     """Several faults in one file, between entries that the first reading takes, often far down."""
-    name = chance.choice([name for name in case.files if name.endswith(b".conf")] or [b"d1/zz.conf"])
-    lines = case.files.get(name, b"").split(b"\n")
-    if chance.random() < 0.5:
-        lines = make_lines_far_down(chance) + lines
-    for _ in range(chance.randint(1, 4)):
-        place = chance.randint(len(lines) * chance.choice([0, 1]) // 2, len(lines))
-        lines[place:place] = [make_bad_line(chance) for _ in range(chance.choice([1, 1, 2, 3]))]
-    if chance.random() < 0.7:
-        place = chance.randrange(len(lines) + 1)
-        piece = make_piece(chance, case.mood)
-        lines[place:place] = [b"[GeneratedConfig]", chance.choice(GENERATED) + b"=" + piece]
-    case.files[name] = end_lines(chance, lines)
+    name = pick(draw, [name for name in case.files if name.endswith(b".conf")])
+    lines = (draw(LINES_FAR_DOWN) + case.files[name]).split(b"\n")
+    for bad in draw(st.lists(BAD_LINES_TOGETHER, min_size=1, max_size=4)):
+        first = len(lines) // 2 if draw(st.booleans()) else 0
+        at = first + place(draw, len(lines) - first + 1)
+        lines[at:at] = bad
+    if draw(often(70)):
+        at = place(draw, len(lines) + 1)
+        lines[at:at] = [b"[GeneratedConfig]", pick(draw, GENERATED) + b"=" + any_value(draw, case)]
+    case.files[name] = end_lines(draw, lines)
 
 
-def make_bad_line(chance):
-    kind = chance.random()
-    if kind < 0.05:
-        return chance.choice([b" ", b"[", b"K", b"[\0", b"\xff", b"K\0="]) * chance.choice(LENGTHS)
-    if kind < 0.1:
-        return bytes([chance.randrange(256)]).replace(b"\n", b"\0") + b"K=v"
-    return chance.choice(generator.BAD_LINES)
-
-
-def make_file_around_buffer(chance):
+def around_buffer(length, less, last, first, counts_last, between, end):
     """Lines that end, or a file that ends, where the reader's buffer does, or close to that."""
-    length = chance.choice([32768, 65536, 131072]) + chance.choice([-2, -1, 0, 0, 0, 1, 2])
-    last = chance.choice([b"", b"K=v", b"K=v;" * 20, b"K", b"[A]\nK=v", b"=", b"\0"])
-    first = chance.choice([b"#", b"K=", b"[A]\nK=", b"K", b"["])
-    filler = b"x" * (length - len(first) - chance.choice([0, 0, len(last), len(last) + 1]))
-    return first + filler + chance.choice([b"\n", b""]) + last + chance.choice([b"\n", b""])
+    filler = b"x" * (length + less - len(first) - (0, 0, len(last), len(last) + 1)[counts_last])
+    return first + filler + between + last + end
 
 
-def add_odd_files(chance, case):
-    name = chance.choice(generator.DIRECTORIES) + chance.choice([b"/0.conf", b"/m.conf", b"/zz.conf"])
-    content = [b"", b"\n", b"\0", b"K", b"[", b"\r\n", b"K=v", b"#", b"\xef\xbb\xbf[A]\n", b"[]\n=\n", None]
-    targets = [b"../loop", b"nowhere", b"/dev/null", b".", b"10-a.conf", b"../env/one", b"/proc/self/mem"]
-    kind = chance.random()
-    if kind < 0.35:
-        case.files[name] = chance.choice(content)
-    elif kind < 0.6:
-        case.files[name] = make_file_around_buffer(chance)
-    else:
+FILES_AROUND_BUFFER = st.builds(
+    around_buffer,
+    st.sampled_from([32768, 65536, 131072]),
+    st.sampled_from([0, 0, 0, -1, 1, -2, 2]),
+    st.sampled_from([b"", b"K=v", b"K=v;" * 20, b"K", b"[A]\nK=v", b"=", b"\0"]),
+    st.sampled_from([b"#", b"K=", b"[A]\nK=", b"K", b"["]),
+    st.sampled_from(range(4)),
+    st.sampled_from([b"\n", b""]),
+    st.sampled_from([b"\n", b""]),
+)
+ODD_NAMES = st.sampled_from(
+    [directory + name for directory in generator.DIRECTORIES for name in (b"/0.conf", b"/m.conf", b"/zz.conf")]
+)
+ODD_CONTENTS = st.sampled_from(
+    [b"", b"\n", b"\0", b"K", b"[", b"\r\n", b"K=v", b"#", b"\xef\xbb\xbf[A]\n", b"[]\n=\n", None]
+)
+ODD_TARGETS = st.sampled_from(
+    [b"../loop", b"nowhere", b"/dev/null", b".", b"10-a.conf", b"../env/one", b"/proc/self/mem"]
+)
+ODD_KINDS = weighted((35, ["content"]), (25, ["around buffer"]), (40, ["link"]), slots=256)
+
+
+def add_odd_files(draw, case):
+    name = draw(ODD_NAMES)
+    kind = draw(ODD_KINDS)
+    if kind == "link":
         case.files.pop(name, None)
-        case.links[name] = chance.choice(targets)
-    other = chance.choice(generator.DIRECTORIES) + b"/" + chance.choice(generator.NOT_CONFIGURATION)
-    case.files[other] = b"K=not read\n bad\n"
+        case.links[name] = draw(ODD_TARGETS)
+    else:
+        case.files[name] = draw(ODD_CONTENTS if kind == "content" else FILES_AROUND_BUFFER)
+    case.files |= pick(draw, [{path: b"K=not read\n bad\n"} for path in generator.OTHER_PATHS])
+
+
+# How often a mood comes, what it adds, and how often that is added in other moods, in per cent.
+MOODS = {
+    "templates": (28, None, 0),
+    "bad lines": (22, add_bad_lines, 0),
+    "references": (18, add_references, 10),
+    "generated user": (10, add_generated_user, 5),
+    "blanks": (8, None, 0),
+    "odd files": (6, add_odd_files, 0),
+    "command line": (8, None, 0),
+}
+MOOD = weighted(*[(weight, [mood]) for mood, (weight, _, _) in MOODS.items()])
+ADDED = weighted((85, [None]), *[(percent, [mood]) for mood, (_, _, percent) in MOODS.items() if percent])
+CONFIG_HOMES = weighted((70, [{}]), (30, [{b"XDG_CONFIG_HOME": home} for home in (b"", b"/nowhere")]), slots=256)
+
+
+@st.composite
+def cases(draw):
+    mood = draw(MOOD)
+    has_blanks = mood == "blanks"
+    case = BuildCase(
+        mood=mood,
+        files=draw(environment_files(has_blanks))
+        | draw(configuration_files(has_blanks))
+        | draw(LONG_ENVIRONMENT_FILES),
+        links={b"loop": b"loop", b"dangling": b"nowhere"},
+        arguments=[],
+        environment=generator.ENVIRONMENT | (generator.BLANK_ENVIRONMENT if has_blanks else {}) | draw(CONFIG_HOMES),
+        one_stream=draw(often(40)),
+    )
+    for added in dict.fromkeys([draw(ADDED), mood]):
+        _, add_extras, _ = MOODS.get(added, (0, None, 0))
+        if add_extras:
+            add_extras(draw, case)
+    add_logging(draw, case)
+    case.arguments = make_arguments(draw, case)
+    return case

@@ -170,12 +170,3 @@ def write(path, content):
 def read(path):
     with open(path, "rb", buffering=0) as file:
         return file.read()
-
-
-def describe(case):
-    """The case as somebody would want to see it who has to find the fault."""
-    lines = [f"seed {case.seed!r} ({case.mood}){', output and errors in one stream' * case.one_stream}"]
-    lines += [f"arguments {case.arguments}", f"environment {case.environment}"]
-    lines += [f"file {name!r}: {content!r}" for name, content in case.files.items()]
-    lines += [f"link {name!r} -> {target!r}" for name, target in case.links.items()]
-    return "\n".join(lines)

@@ -1,5 +1,6 @@
 """Puts one case on disk, asks the tool and the naive implementation, and says how they differ."""
 
+import contextlib
 import os
 import shutil
 import subprocess
@@ -9,7 +10,7 @@ from support.tool import run_tool
 
 LEVELS = {None: 2, b"debug": 4, b"Critical": 0, b"ERROR": 1, b"3": 3, b"0x4": 4}
 
-# A case takes milliseconds, and shrinking one that hangs waits this long for each thing taken away.
+# A case takes milliseconds, and to make one small that hangs takes this long for each try.
 TIME_LIMIT_SECONDS = 20
 HANGS = subprocess.CompletedProcess([], "hangs", b"", b"")
 
@@ -29,12 +30,29 @@ def write_case(case, root):
         os.symlink(target, os.path.join(root, name))
 
 
-def arguments_of(case):
+@contextlib.contextmanager
+def on_disk(case, root):
+    """The case is at `root` for as long as this lasts."""
+    write_case(case, root)
+    try:
+        yield
+    finally:
+        shutil.rmtree(root)
+
+
+def context_of(case):
+    """The arguments that say what a request is answered from."""
     arguments = [b"--user-id", b"%d" % case.user_id, b"--configs", b":".join(case.directories)]
-    arguments += [b"--instance", case.instance, b"--group", case.group, b"--key", case.key]
-    if case.level is not None:
-        arguments += [b"--log-level", case.level]
-    return arguments + [b"--list"] * case.list_all
+    arguments += [b"--instance", case.instance]
+    return arguments if case.level is None else [*arguments, b"--log-level", case.level]
+
+
+def arguments_of(case):
+    return [*context_of(case), b"--group", case.group, b"--key", case.key] + [b"--list"] * case.list_all
+
+
+def variables_of(case):
+    return {os.fsdecode(name): os.fsdecode(text) for name, text in case.environment.items()}
 
 
 def expected_answer(case, root):
@@ -56,21 +74,18 @@ def expected_answer(case, root):
 
 def tool_answer(case, root):
     """How the tool's run ended; one without an end is an answer of its own."""
-    environment = {os.fsdecode(name): os.fsdecode(text) for name, text in case.environment.items()}
     arguments = map(os.fsdecode, arguments_of(case))
     try:
-        return run_tool(*arguments, env=environment, cwd=root, timeout=TIME_LIMIT_SECONDS)
+        return run_tool(*arguments, env=variables_of(case), cwd=root, timeout=TIME_LIMIT_SECONDS)
     except subprocess.TimeoutExpired:
         return HANGS
 
 
 def difference(case, root):
     """None when both agree, otherwise what they said. Leaves nothing at `root`."""
-    shutil.rmtree(root, ignore_errors=True)
-    write_case(case, root)
-    expected = expected_answer(case, root)
-    seen = tool_answer(case, root)
-    shutil.rmtree(root)
+    with on_disk(case, root):
+        expected = expected_answer(case, root)
+        seen = tool_answer(case, root)
     if agrees(expected, seen):
         return None
     return f"naive: {expected}\ntool:  {(seen.returncode, seen.stdout, seen.stderr)}"
@@ -88,11 +103,3 @@ def is_critical_record(text, named):
     """True for exactly one critical record that names everything in `named`."""
     one_line = text.startswith(b"CRITICAL: ") and text.find(b"\n") == len(text) - 1
     return one_line and all(name in text for name in named)
-
-
-def describe(case):
-    """The case as somebody would want to see it who has to find the fault."""
-    lines = [f"seed {case.seed!r} ({case.mood}), arguments {arguments_of(case)}", f"environment {case.environment}"]
-    lines += [f"file {name!r}: {content!r}" for name, content in case.files.items()]
-    lines += [f"link {name!r} -> {target!r}" for name, target in case.links.items()]
-    return "\n".join(lines)

@@ -1,34 +1,34 @@
-"""The generated cases are worth running: they reach every outcome, and a tool with any one of a
-list of mistakes would have been caught. The tool itself is not run here."""
+"""The generated cases are worth running: they reach every outcome, a tool with any one of a list of
+mistakes would have been caught, and what is caught is told well."""
 
 import collections
 import os
-import tempfile
-from dataclasses import replace
+import pathlib
+import re
+import subprocess
+import sys
+from types import SimpleNamespace
 
 import pytest
+from support.generated import generate
 
 import naive_tool
 from comparing import agrees, difference, expected_answer, is_critical_record, write_case
-from generator import make_case
+from generator import cases
 from request_messages import REQUEST_MESSAGES
-from shrink import shrink
-from types import SimpleNamespace
 
 SAMPLE = 1000
 
 
 @pytest.fixture(scope="module")
-def sample():
+def sample(root):
     """Some cases on disk with the right answers: (case, root, answer)."""
-    with tempfile.TemporaryDirectory(prefix="differential-") as parent:
-        cases = []
-        for number in range(SAMPLE):
-            root = os.fsencode(os.path.join(os.path.realpath(parent), str(number)))
-            case = make_case(f"tarnwick:{number}")
-            write_case(case, root)
-            cases.append((case, root, expected_answer(case, root)))
-        yield cases
+    written = []
+    for number, case in enumerate(generate(cases(), SAMPLE, 1)):
+        place = root + b"-%d" % number
+        write_case(case, place)
+        written.append((case, place, expected_answer(case, place)))
+    return written
 
 
 @pytest.mark.parametrize("message", REQUEST_MESSAGES)
@@ -43,9 +43,9 @@ def test_every_exit_status_is_provoked_often(sample):
     assert sum(1 for _, _, answer in sample if answer.named) > SAMPLE // 50
 
 
-def test_a_seed_always_gives_the_same_case():
-    assert make_case("x:1") == make_case("x:1")
-    assert make_case("x:1") != make_case("x:2")
+def test_a_seed_always_gives_the_same_cases():
+    assert generate(cases(), 20, 1) == generate(cases(), 20, 1)
+    assert generate(cases(), 20, 1) != generate(cases(), 20, 2)
 
 
 def stays_silent(run, level, message):
@@ -126,32 +126,36 @@ def test_a_critical_record_is_one_line_that_names_the_place():
     assert not is_critical_record(b"", [])
 
 
-def test_a_tool_that_hangs_differs_and_its_case_is_shrunk(tmp_path, monkeypatch):
+def test_a_tool_that_hangs_differs(sample, tmp_path, monkeypatch):
     tool = tmp_path / "tool"
-    tool.write_text("#!/bin/sh\ngrep -rqs endless d2 && exec sleep 1000\nprintf 'end\\n'\n")
+    tool.write_text("#!/bin/sh\nexec sleep 1000\n")
     tool.chmod(0o755)
     monkeypatch.setattr("support.tool.TOOL", str(tool))
     monkeypatch.setattr("support.tool.EMULATOR", [])
     monkeypatch.setattr("comparing.TIME_LIMIT_SECONDS", 2)
-    root = os.fsencode(tmp_path / "case")
-    files = {b"d2/a.conf": b"[A]\nK=endless\nK=end\n"}
-    case = replace(make_case("tarnwick:3"), files=files, directories=[b"d2"], group=b"A", key=b"K", list_all=False)
-    assert "('hangs', b'', b'')" in difference(case, root)
-    smallest = shrink(replace(case, links={}, environment={}), lambda smaller: hangs(smaller, root))
-    assert smallest.files == {b"d2/a.conf": b"K=endless"}
+    case, _, _ = sample[0]
+    assert "('hangs', b'', b'')" in difference(case, os.fsencode(tmp_path / "case"))
 
 
-def hangs(case, root):
-    return "'hangs'" in (difference(case, root) or "")
+def test_a_mistake_is_told_by_its_smallest_case_and_both_answers(other_build):
+    tool = other_build(b"'$' must be followed by", b"'$' must be Followed by")
+    test = pathlib.Path(__file__).with_name("test_differential.py")
+    result = subprocess.run(
+        [sys.executable, "-m", "pytest", "-q", "-p", "no:cacheprovider", test],
+        env={**os.environ, "TARNWICK_TOOL": tool},
+        capture_output=True,
+        text=True,
+        check=False,
+    )
+    assert result.returncode == 1, result.stdout + result.stderr
+    assert "naive: Answer(status=" in result.stdout and "'$' must be followed by" in result.stdout
+    assert "tool:  (" in result.stdout and "'$' must be Followed by" in result.stdout
+    assert "@reproduce_failure(" in result.stdout
+    lines = [line for content in configuration_in(result.stdout) for line in content.split("\\n")]
+    assert len(lines) <= 6 and any("$" in line for line in lines), lines
 
 
-def test_shrinking_keeps_only_what_makes_the_case_fail():
-    case = make_case("tarnwick:3")
-    case.files[b"d2/extra.conf"] = b"[A]\nx=1\ny=good;bad\nz=3\n"
-
-    def has_bad_piece(smaller):
-        return any(content and b"bad" in content for content in smaller.files.values())
-
-    smallest = shrink(case, has_bad_piece)
-    assert smallest.files == {b"d2/extra.conf": b"bad"} or smallest.files == {b"d2/extra.conf": b"y=good;bad"}
-    assert smallest.environment == {} and smallest.links == {} and len(smallest.directories) == 1
+def configuration_in(report):
+    """What is in the configuration files of the case that a report names last."""
+    _, case = report.rsplit("Falsifying example: ", 1)
+    return re.findall(r"file b'd\d/[^']*': b['\"](.*)['\"]", case)
