@@ -1,4 +1,4 @@
-"""Makes the shared `support` package importable from every suite below this directory."""
+"""What every suite below this directory shares: the `support` package, a mark, and a place in memory."""
 
 import os
 import pathlib
@@ -8,6 +8,10 @@ import tempfile
 import pytest
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
+
+
+def pytest_configure(config):
+    config.addinivalue_line("markers", "slow: run by the longer checks only")
 
 
 @pytest.fixture(scope="session")

@@ -11,10 +11,6 @@ from support.tool import run_config, write_files
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "differential"))
 
 
-def pytest_configure(config):
-    config.addinivalue_line("markers", "slow: large inputs and many cases, run by the longer checks only")
-
-
 @pytest.fixture
 def directory(tmp_path):
     """The directory that `check` writes and reads, by the name conf.d."""

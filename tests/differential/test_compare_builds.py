@@ -66,13 +66,17 @@ def test_a_build_does_not_differ_from_itself():
     assert result.returncode == 0
 
 
+def slow(*row):
+    return pytest.param(*row, marks=pytest.mark.slow)
+
+
 @pytest.mark.parametrize(
     ("text", "replacement"),
     [
         (b"missing '}': ", b"missing '}'; "),
-        (b" from system for template ", b" from System for template "),
-        (b"exited with non-zero status: ", b"exited with non-zero status; "),
-        (b"Failed to load config from '", b"failed to load config from '"),
+        slow(b" from system for template ", b" from System for template "),
+        slow(b"exited with non-zero status: ", b"exited with non-zero status; "),
+        slow(b"Failed to load config from '", b"failed to load config from '"),
         (b"USAGE:", b"Usage:"),
     ],
 )

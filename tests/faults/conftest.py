@@ -13,7 +13,6 @@ from watching import close_sessions
 
 
 def pytest_configure(config):
-    config.addinivalue_line("markers", "slow: heavy inputs, run by the longer checks only")
     config.addinivalue_line("markers", "native: under an emulator the fault hits the emulator")
 
 

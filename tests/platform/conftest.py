@@ -12,10 +12,6 @@ from support import preloading
 from support.tool import EMULATOR
 
 
-def pytest_configure(config):
-    config.addinivalue_line("markers", "slow: waits at true speed; for the longer checks")
-
-
 reasons_to_skip = set()
 
 
