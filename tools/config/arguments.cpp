@@ -127,6 +127,10 @@ private:
 
 }  // namespace
 
+void refuseArguments(const std::string& problem) {
+    throw CLI::ValidationError(problem);
+}
+
 void addOption(CLI::App& app, const std::string& name, const char* type, const char* help,
                const std::function<void(const std::string& text)>& apply) {
     app.add_option_function<std::string>(
@@ -134,10 +138,6 @@ void addOption(CLI::App& app, const std::string& name, const char* type, const c
         ->type_name(type)
         ->trigger_on_parse()
         ->allow_extra_args(false);
-}
-
-void refuseChoice(const std::string& name, const std::string& text, const std::string& choices) {
-    throw CLI::ValidationError(name + ": '" + text + "' is not " + choices);
 }
 
 void addTextOrJson(CLI::App& app, bool& isJson) {
@@ -165,14 +165,26 @@ void addContextOptions(CLI::App& app, Context& context) {
                              [&](const Choice<Color>& row) { context.color = row.meaning; });
 }
 
-CLI::Option* addOperands(CLI::App& app, const char* name, std::vector<std::string>& operands,
-                         const char* help) {
-    return app.add_option_function<std::vector<std::string>>(
+void addFlag(CLI::App& app, const char* name, bool& isSet, const char* help) {
+    app.add_flag(name, isSet, help);
+}
+
+void addOperands(CLI::App& app, const char* name, std::vector<std::string>& operands,
+                 const char* help, Count count) {
+    CLI::Option* option = app.add_option_function<std::vector<std::string>>(
         name,
         [&operands](const std::vector<std::string>& texts) {
             std::transform(texts.begin(), texts.end(), std::back_inserter(operands), asTyped);
         },
         help);
+    option->required(count != Count::Any);
+    if (count == Count::One) {
+        option->expected(1);
+    }
+}
+
+void checkArguments(CLI::App& app, const std::function<void()>& check) {
+    app.final_callback(check);
 }
 
 std::string_view commandWord(const CLI::App& app, int count, const char* const* arguments) {

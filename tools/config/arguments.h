@@ -9,8 +9,7 @@
 
 namespace CLI {
 class App;
-class Option;
-}  // namespace CLI
+}
 
 namespace Tarnwick::Parser::ConfigTool {
 
@@ -19,13 +18,13 @@ struct Context;
 /// Declares the options that every command has.
 void addContextOptions(CLI::App& app, Context& context);
 
+/// Refuses the command line for the reason `problem`. Throws; may be called by whatever is called
+/// while arguments are read.
+[[noreturn]] void refuseArguments(const std::string& problem);
+
 /// Declares an option with one value, which is applied where it stands.
 void addOption(CLI::App& app, const std::string& name, const char* type, const char* help,
                const std::function<void(const std::string& text)>& apply);
-
-/// Throws `CLI::ValidationError`: the value of the option `name` is none of `choices`.
-[[noreturn]] void refuseChoice(const std::string& name, const std::string& text,
-                               const std::string& choices);
 
 /// Declares an option whose value is the name of a row of a table, which is applied where it
 /// stands. `choices` tells people the names, as in "text or json".
@@ -36,7 +35,7 @@ void addChoice(CLI::App& app, const std::string& name, const char* type, const c
         const auto row = std::find_if(table.begin(), table.end(),
                                       [&](const Row& each) { return each.name == text; });
         if (row == table.end()) {
-            refuseChoice(name, text, choices);
+            refuseArguments(name + ": '" + text + "' is not " + choices);
         }
         apply(*row);
     });
@@ -45,9 +44,18 @@ void addChoice(CLI::App& app, const std::string& name, const char* type, const c
 /// Declares --format, with the forms that most commands have.
 void addTextOrJson(CLI::App& app, bool& isJson);
 
+/// Declares an option without a value.
+void addFlag(CLI::App& app, const char* name, bool& isSet, const char* help);
+
+/// How many operands a command takes.
+enum class Count { Any, One, OneOrMore };
+
 /// Declares the operands of a command, such as PATH. Their texts come out as they were typed.
-CLI::Option* addOperands(CLI::App& app, const char* name, std::vector<std::string>& operands,
-                         const char* help);
+void addOperands(CLI::App& app, const char* name, std::vector<std::string>& operands,
+                 const char* help, Count count = Count::Any);
+
+/// Has `check` called when all arguments have been read. It may call `refuseArguments`.
+void checkArguments(CLI::App& app, const std::function<void()>& check);
 
 /// Returns the first argument of `main` that is neither an option that the application has nor the
 /// value of one: the command. Empty when there is none.

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
@@ -295,8 +294,7 @@ void ignore(Options& options, const std::string& list) {
             for (const Rule& row : rules()) {
                 names.push_back(row.name);
             }
-            throw CLI::ValidationError("--ignore: there is no id '" + name + "'" +
-                                       suggestion(name, names));
+            refuseArguments("--ignore: there is no id '" + name + "'" + suggestion(name, names));
         }
         options.ignored.insert(rule->id);
     }
@@ -305,7 +303,7 @@ void ignore(Options& options, const std::string& list) {
 // The group may be empty before a slash: keys above any header have no group.
 void know(Options& options, const std::string& name) {
     if (name.empty() || name.ends_with('/')) {
-        throw CLI::ValidationError("--known: '" + name + "' is not GROUP or GROUP/KEY");
+        refuseArguments("--known: '" + name + "' is not GROUP or GROUP/KEY");
     }
     options.known.push_back(name);
 }
@@ -321,8 +319,8 @@ Run addCheck(CLI::App& app) {
               [options](const std::string& text) { ignore(*options, text); });
     addOption(app, "--known", "GROUP[/KEY]", "A name that a reader of your own knows",
               [options](const std::string& text) { know(*options, text); });
-    app.add_flag("--strict", options->isStrict, "Exit with status 1 for warnings too");
-    app.add_flag("--list-ids", options->listsIds, "List the kinds of fault and exit");
+    addFlag(app, "--strict", options->isStrict, "Exit with status 1 for warnings too");
+    addFlag(app, "--list-ids", options->listsIds, "List the kinds of fault and exit");
     return [options](const Context& context) {
         return options->listsIds ? listIds() : Check(*options, context).run();
     };

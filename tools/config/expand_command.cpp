@@ -1,6 +1,5 @@
 // tarnwick-config expand: shows what a text with templates comes to.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -104,9 +103,7 @@ ExitStatus expand(const std::string& text, const Context& context) {
 
 Run addExpand(CLI::App& app) {
     const auto texts = std::make_shared<std::vector<std::string>>();
-    addOperands(app, "TEXT", *texts, "A text with templates; a ';' does not end it")
-        ->required()
-        ->expected(1);
+    addOperands(app, "TEXT", *texts, "A text with templates; a ';' does not end it", Count::One);
     return [texts](const Context& context) { return expand(texts->front(), context); };
 }
 

@@ -1,6 +1,5 @@
 // tarnwick-config explain: tells the life of one key, assignment by assignment.
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "config/arguments.h"
@@ -34,9 +33,7 @@ ExitStatus explain(const Options& options, const Context& context) {
 
 Run addExplain(CLI::App& app) {
     const auto options = std::make_shared<Options>();
-    addOperands(app, "KEY", options->keys, "GROUP/KEY, or KEY of the group Config")
-        ->required()
-        ->expected(1);
+    addOperands(app, "KEY", options->keys, "GROUP/KEY, or KEY of the group Config", Count::One);
     addTextOrJson(app, options->isJson);
     return [options](const Context& context) { return explain(*options, context); };
 }

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <functional>
 #include <iostream>
@@ -193,8 +192,8 @@ Run addFiles(CLI::App& app) {
     const auto options = std::make_shared<Options>();
     addOperands(app, "PATH", options->paths, "A directory or a file");
     addTextOrJson(app, options->isJson);
-    app.add_flag("-z", options->endsInNul, "Only files that are read, each ended by NUL");
-    app.add_flag("--names", options->listsNames, "The keys that they set instead, as GROUP/KEY");
+    addFlag(app, "-z", options->endsInNul, "Only files that are read, each ended by NUL");
+    addFlag(app, "--names", options->listsNames, "The keys that they set instead, as GROUP/KEY");
     return [options](const Context& context) { return list(*options, context); };
 }
 

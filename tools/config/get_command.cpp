@@ -1,6 +1,5 @@
 // tarnwick-config get: prints values, many keys from one load.
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <iostream>
@@ -108,15 +107,15 @@ std::string variableOf(std::string_view typed, const Options& options) {
     return shellName(options.prefix + parseKeyName(typed).key);
 }
 
-CLI::ValidationError badVariable(const std::string& typed, const std::string& variable) {
-    return CLI::ValidationError("'" + typed + "': no variable can be named '" + variable +
-                                "'; --prefix puts something in front");
+[[noreturn]] void refuseVariable(const std::string& typed, const std::string& variable) {
+    refuseArguments("'" + typed + "': no variable can be named '" + variable +
+                    "'; --prefix puts something in front");
 }
 
-CLI::ValidationError sharedVariable(const std::string& first, const std::string& second,
-                                    const std::string& variable) {
-    return CLI::ValidationError("'" + first + "' and '" + second +
-                                "' would both be the variable '" + variable + "'");
+[[noreturn]] void refuseSharedVariable(const std::string& first, const std::string& second,
+                                       const std::string& variable) {
+    refuseArguments("'" + first + "' and '" + second + "' would both be the variable '" + variable +
+                    "'");
 }
 
 // A second key of the same name would overwrite the value of the first.
@@ -125,11 +124,11 @@ void checkVariables(const Options& options) {
     for (const std::string& typed : options.keys) {
         const std::string variable = variableOf(typed, options);
         if (!isShellName(variable)) {
-            throw badVariable(typed, variable);
+            refuseVariable(typed, variable);
         }
         const std::string& owner = *owners.try_emplace(variable, &typed).first->second;
         if (parseKeyName(owner) != parseKeyName(typed)) {
-            throw sharedVariable(owner, typed, variable);
+            refuseSharedVariable(owner, typed, variable);
         }
     }
 }
@@ -171,7 +170,7 @@ ExitStatus printShell(const Answers& answers, const Options& options, ExitStatus
 void checkMembers(const Options& options) {
     for (const std::string& typed : options.keys) {
         if (findInvalidUtf8(typed) != typed.npos) {
-            throw CLI::ValidationError("'" + typed + "' is no UTF-8 and can name no member");
+            refuseArguments("'" + typed + "' is no UTF-8 and can name no member");
         }
     }
     const std::set<std::string_view> names(options.keys.begin(), options.keys.end());
@@ -180,8 +179,8 @@ void checkMembers(const Options& options) {
     };
     const auto name = std::find_if(options.keys.begin(), options.keys.end(), clashes);
     if (name != options.keys.end()) {
-        throw CLI::ValidationError("'" + *name + kBytesSuffix + "' stands for the bytes of '" +
-                                   *name + "' in this form");
+        refuseArguments("'" + *name + kBytesSuffix + "' stands for the bytes of '" + *name +
+                        "' in this form");
     }
 }
 
@@ -224,14 +223,14 @@ std::span<const Format> formats() {
 
 void checkOptions(const Options& options) {
     if (options.endsInNul && options.format->print != printText) {
-        throw CLI::ValidationError("-z goes with --format=text alone");
+        refuseArguments("-z goes with --format=text alone");
     }
     if (!options.prefix.empty() && options.format->print != printShell) {
-        throw CLI::ValidationError("--prefix goes with --format=shell alone");
+        refuseArguments("--prefix goes with --format=shell alone");
     }
     for (const std::string& typed : options.keys) {
         if (parseKeyName(typed).key.empty()) {
-            throw CLI::ValidationError("'" + typed + "' names no key");
+            refuseArguments("'" + typed + "' names no key");
         }
     }
     options.format->check(options);
@@ -262,16 +261,17 @@ ExitStatus get(const Options& options, const Context& context) {
 
 Run addGet(CLI::App& app) {
     const auto options = std::make_shared<Options>();
-    addOperands(app, "KEY", options->keys, "GROUP/KEY, or KEY of the group Config")->required();
+    addOperands(app, "KEY", options->keys, "GROUP/KEY, or KEY of the group Config",
+                Count::OneOrMore);
     addChoice<Format>(app, "--format", "FORM", "text, shell or json", formats(),
                       [options](const Format& row) { options->format = &row; });
     addOption(app, "--prefix", "TEXT", "What the names of shell variables begin with",
               [options](const std::string& text) { options->prefix = text; });
     addOption(app, "--default", "TEXT", "The answer for a key without a value",
               [options](const std::string& text) { options->replacement = text; });
-    app.add_flag("--list", options->isList, "Print all values of a key, joined by ';'");
-    app.add_flag("-z", options->endsInNul, "End each answer with NUL instead of a line feed");
-    app.final_callback([options] { checkOptions(*options); });
+    addFlag(app, "--list", options->isList, "Print all values of a key, joined by ';'");
+    addFlag(app, "-z", options->endsInNul, "End each answer with NUL instead of a line feed");
+    checkArguments(app, [options] { checkOptions(*options); });
     return [options](const Context& context) { return get(*options, context); };
 }
 

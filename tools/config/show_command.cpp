@@ -1,6 +1,5 @@
 // tarnwick-config show: prints the effective configuration, with origins.
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
 
@@ -26,7 +25,7 @@ struct Options {
 void checkOptions(const Options& options) {
     const bool hasLineOption = options.lines.hasOrigin || options.lines.endsInNul || options.isRaw;
     if (hasLineOption && options.form != &showForms().front()) {
-        throw CLI::ValidationError("--origin, --raw and -z go with --format=text alone");
+        refuseArguments("--origin, --raw and -z go with --format=text alone");
     }
 }
 
@@ -63,10 +62,10 @@ Run addShow(CLI::App& app) {
     addOperands(app, "GROUP[/KEY]", options->names, "A group, or a key (default: all)");
     addChoice<ShowForm>(app, "--format", "FORM", "text, ini or json", showForms(),
                         [options](const ShowForm& row) { options->form = &row; });
-    app.add_flag("--origin", options->lines.hasOrigin, "Put file and line in front of each value");
-    app.add_flag("--raw", options->isRaw, "Show values as they were written");
-    app.add_flag("-z", options->lines.endsInNul, "End each value with NUL and print raw bytes");
-    app.final_callback([options] { checkOptions(*options); });
+    addFlag(app, "--origin", options->lines.hasOrigin, "Put file and line in front of each value");
+    addFlag(app, "--raw", options->isRaw, "Show values as they were written");
+    addFlag(app, "-z", options->lines.endsInNul, "End each value with NUL and print raw bytes");
+    checkArguments(app, [options] { checkOptions(*options); });
     return [options](const Context& context) { return show(*options, context); };
 }
 
