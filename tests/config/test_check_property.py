@@ -3,7 +3,7 @@ fails or costs a record of the level error, whatever the sources answer, and non
 
 The cases are those of the differential tests, with every source changed to one that has a word.
 
-TARNWICK_CHECK_CASES   how many cases (default 240)
+TARNWICK_CHECK_CASES   how many cases (default 300)
 """
 
 import json
@@ -97,7 +97,7 @@ def disagreement(case, keys, root):
 
 
 # In a few cases all keys are asked for, so that nothing else fails.
-@on_cases("TARNWICK_CHECK_CASES", 240)
+@on_cases("TARNWICK_CHECK_CASES", 300)
 @given(case=sure_cases(), asks_for_all=often(3))
 def test_check_finds_an_error_where_the_tool_fails_and_nowhere_else(root, case, asks_for_all):
     found = disagreement(case, keys_to_ask(case, asks_for_all), root)

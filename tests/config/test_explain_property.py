@@ -1,7 +1,7 @@
 """`explain` against the boot tool, on generated configurations: the same status, the same value and
 the same log records, whatever is wrong with them.
 
-TARNWICK_EXPLAIN_CASES   how many cases (default 130)
+TARNWICK_EXPLAIN_CASES   how many cases (default 200)
 """
 
 import base64
@@ -46,7 +46,7 @@ def disagreement(case, root):
     return f"tool: {tool}\nexplain: {result.returncode, result.stderr}\n{report}"
 
 
-@on_cases("TARNWICK_EXPLAIN_CASES", 130)
+@on_cases("TARNWICK_EXPLAIN_CASES", 200)
 @given(case=cases())
 def test_explain_ends_as_the_tool_does(root, case):
     case.list_all = False

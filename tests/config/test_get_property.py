@@ -3,7 +3,7 @@ prints for each key, from one load, and the one file that `show` writes loads ba
 
 The cases are those of the differential tests, with commands that count how often they run.
 
-TARNWICK_GET_CASES   how many cases (default 160)
+TARNWICK_GET_CASES   how many cases (default 200)
 """
 
 import json
@@ -116,7 +116,7 @@ def by_key(shown):
     }
 
 
-@on_cases("TARNWICK_GET_CASES", 160)
+@on_cases("TARNWICK_GET_CASES", 200)
 @given(request=requests(), is_shown=often(25))
 def test_get_prints_what_the_tool_prints_and_show_writes_what_it_shows(root, request, is_shown):
     case, keys = request

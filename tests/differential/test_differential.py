@@ -1,6 +1,6 @@
 """The tool against the naive implementation, on generated configurations.
 
-TARNWICK_DIFFERENTIAL_CASES   how many cases (default 500)
+TARNWICK_DIFFERENTIAL_CASES   how many cases (default 2000)
 """
 
 import pytest
@@ -11,7 +11,7 @@ from comparing import difference
 from generator import cases
 
 
-@on_cases("TARNWICK_DIFFERENTIAL_CASES", 500)
+@on_cases("TARNWICK_DIFFERENTIAL_CASES", 2000)
 @given(case=cases())
 def test_the_tool_answers_as_the_naive_implementation_does(root, case):
     answers = difference(case, root)
